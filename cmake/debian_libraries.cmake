@@ -1,0 +1,10 @@
+find_package(PkgConfig REQUIRED)
+find_package(Threads REQUIRED)
+pkg_check_modules(GTK REQUIRED IMPORTED_TARGET gtk+-3.0 gio-unix-2.0)
+pkg_check_modules(DBUS REQUIRED IMPORTED_TARGET dbus-1)
+pkg_check_modules(PROXY REQUIRED IMPORTED_TARGET libproxy-1.0)
+
+if(NOT FLUTTER_EMBEDDING_DIR)
+  pkg_check_modules(GIO REQUIRED IMPORTED_TARGET gio-2.0 gio-unix-2.0)
+  find_package(nlohmann_json 3.11 REQUIRED)
+endif()

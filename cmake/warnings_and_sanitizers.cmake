@@ -1,0 +1,11 @@
+add_library(corvana_warnings INTERFACE)
+target_compile_options(corvana_warnings INTERFACE
+  -Wall -Wextra -Wpedantic -Wshadow -Wconversion $<$<BOOL:${CORVANA_WERROR}>:-Werror>)
+
+if(CORVANA_SANITIZER)
+  add_compile_options(-fsanitize=${CORVANA_SANITIZER} -fno-omit-frame-pointer)
+  add_link_options(-fsanitize=${CORVANA_SANITIZER})
+  if(CORVANA_SANITIZER MATCHES undefined)
+    add_compile_options(-fno-sanitize-recover=undefined)
+  endif()
+endif()

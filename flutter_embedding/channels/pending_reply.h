@@ -1,0 +1,34 @@
+#ifndef CORVANA_FLUTTER_EMBEDDING_CHANNELS_PENDING_REPLY_H_
+#define CORVANA_FLUTTER_EMBEDDING_CHANNELS_PENDING_REPLY_H_
+
+#include <glib.h>
+
+#include <functional>
+#include <utility>
+
+// The way back of one message. Every message gets a reply: when this goes unused, a null one, for
+// "nobody handled it". Main thread only.
+class PendingReply {
+ public:
+  // Null bytes are the null reply. Gives false when the sender of the message is gone.
+  using Send = std::function<bool(GBytes* reply)>;
+
+  explicit PendingReply(Send send) : send_(std::move(send)) {}
+  PendingReply(const PendingReply&) = delete;
+  PendingReply& operator=(const PendingReply&) = delete;
+  ~PendingReply() {
+    if (!used()) {
+      send(nullptr);
+    }
+  }
+
+  bool used() const { return send_ == nullptr; }
+
+  // Once only, while not used().
+  bool send(GBytes* reply) { return std::exchange(send_, nullptr)(reply); }
+
+ private:
+  Send send_;
+};
+
+#endif  // CORVANA_FLUTTER_EMBEDDING_CHANNELS_PENDING_REPLY_H_

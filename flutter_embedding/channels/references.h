@@ -1,0 +1,30 @@
+// Shared ownership of GLib's counted things for what a std::function captures: the reference goes
+// when the function goes.
+
+#ifndef CORVANA_FLUTTER_EMBEDDING_CHANNELS_REFERENCES_H_
+#define CORVANA_FLUTTER_EMBEDDING_CHANNELS_REFERENCES_H_
+
+#include <gio/gio.h>
+
+#include <memory>
+
+// Each takes a reference of its own. Any thread.
+template <typename Object>
+std::shared_ptr<Object> share_object(Object* object) {
+  return {static_cast<Object*>(g_object_ref(object)), g_object_unref};
+}
+
+inline std::shared_ptr<GBytes> share_bytes(GBytes* bytes) {
+  return {bytes == nullptr ? nullptr : g_bytes_ref(bytes), g_bytes_unref};
+}
+
+// Calls `destroy`, when there is one, with the last reference, also for null data.
+inline std::shared_ptr<void> share_user_data(gpointer user_data, GDestroyNotify destroy) {
+  return {user_data, [destroy](gpointer data) {
+            if (destroy != nullptr) {
+              destroy(data);
+            }
+          }};
+}
+
+#endif  // CORVANA_FLUTTER_EMBEDDING_CHANNELS_REFERENCES_H_

@@ -1,0 +1,42 @@
+#include "flutter_embedding/engine.h"
+
+#include "flutter_embedding/channels/engine_messenger.h"
+
+struct _FlEngine {
+  GObject parent_instance;
+  FlDartProject* project;
+  FlEngineMessenger* messenger;
+};
+
+G_DEFINE_FINAL_TYPE(FlEngine, fl_engine, G_TYPE_OBJECT)
+
+static void fl_engine_dispose(GObject* object) {
+  FlEngine* self = FL_ENGINE(object);
+  fl_engine_messenger_close(self->messenger);
+  g_clear_object(&self->project);
+  G_OBJECT_CLASS(fl_engine_parent_class)->dispose(object);
+}
+
+static void fl_engine_finalize(GObject* object) {
+  g_clear_object(&FL_ENGINE(object)->messenger);
+  G_OBJECT_CLASS(fl_engine_parent_class)->finalize(object);
+}
+
+static void fl_engine_class_init(FlEngineClass* klass) {
+  G_OBJECT_CLASS(klass)->dispose = fl_engine_dispose;
+  G_OBJECT_CLASS(klass)->finalize = fl_engine_finalize;
+}
+
+static void fl_engine_init(FlEngine* self) { self->messenger = fl_engine_messenger_new(); }
+
+FlEngine* fl_engine_new(FlDartProject* project) {
+  g_return_val_if_fail(FL_IS_DART_PROJECT(project), nullptr);
+  auto* self = FL_ENGINE(g_object_new(fl_engine_get_type(), nullptr));
+  self->project = FL_DART_PROJECT(g_object_ref(project));
+  return self;
+}
+
+FlBinaryMessenger* fl_engine_get_binary_messenger(FlEngine* self) {
+  g_return_val_if_fail(FL_IS_ENGINE(self), nullptr);
+  return FL_BINARY_MESSENGER(self->messenger);
+}

@@ -1,0 +1,21 @@
+#ifndef CORVANA_FLUTTER_EMBEDDING_PLUGIN_REGISTRAR_H_
+#define CORVANA_FLUTTER_EMBEDDING_PLUGIN_REGISTRAR_H_
+
+#include <flutter_linux/flutter_linux.h>
+
+struct _FlPluginRegistrarInterface {
+  GTypeInterface parent_interface;
+  FlBinaryMessenger* (*get_messenger)(FlPluginRegistrar* registrar);
+  FlView* (*get_view)(FlPluginRegistrar* registrar);
+};
+
+struct _FlPluginRegistryInterface {
+  GTypeInterface parent_interface;
+  FlPluginRegistrar* (*get_registrar_for_plugin)(FlPluginRegistry* registry, const char* name);
+};
+
+// A registrar that a plugin may keep as long as it likes: it doesn't keep the view alive, only the
+// messenger. Main thread only.
+FlPluginRegistrar* plugin_registrar_new(FlView* view, FlBinaryMessenger* messenger);
+
+#endif  // CORVANA_FLUTTER_EMBEDDING_PLUGIN_REGISTRAR_H_

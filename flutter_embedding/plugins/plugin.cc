@@ -1,0 +1,11 @@
+// One plugin library, whose name and registration function come from the build. The real plugins
+// answer on channels of their own, which nothing here calls.
+
+#include <flutter_linux/flutter_linux.h>
+
+extern "C" void PLUGIN_REGISTRATION_FUNCTION(FlPluginRegistrar* registrar);
+
+void PLUGIN_REGISTRATION_FUNCTION(FlPluginRegistrar* registrar) {
+  g_return_if_fail(FL_IS_PLUGIN_REGISTRAR(registrar));
+  g_debug("%s registered", PLUGIN_NAME);
+}

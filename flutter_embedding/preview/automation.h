@@ -1,0 +1,33 @@
+#ifndef CORVANA_FLUTTER_EMBEDDING_PREVIEW_AUTOMATION_H_
+#define CORVANA_FLUTTER_EMBEDDING_PREVIEW_AUTOMATION_H_
+
+#include <functional>
+#include <memory>
+
+#include "flutter_embedding/preview/later.h"
+#include "flutter_embedding/preview/preview_options.h"
+#include "flutter_embedding/preview/service_client.h"
+
+namespace preview {
+
+// What the options ask the window to do by itself, in this order: connect, wait for the outcome,
+// take the picture, disconnect, close. Main thread only.
+struct Automation;
+
+struct AutomationActions {
+  std::function<void()> connect;
+  std::function<void()> disconnect;
+  std::function<bool()> is_drawn;  // the shown page has what it waits for, and nothing moves
+  std::function<void()> take_screenshot;
+  std::function<void()> close;
+};
+
+std::shared_ptr<Automation> automation_new(const Options& options, const Life& life,
+                                           AutomationActions actions);
+
+// To be told of every change of the status.
+void automation_notice(Automation* automation, const ServiceStatus& status);
+
+}  // namespace preview
+
+#endif  // CORVANA_FLUTTER_EMBEDDING_PREVIEW_AUTOMATION_H_

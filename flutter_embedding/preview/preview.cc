@@ -1,0 +1,130 @@
+#include "flutter_embedding/preview/preview.h"
+
+#include <cstdio>
+#include <memory>
+#include <string>
+
+#include "flutter_embedding/preview/automation.h"
+#include "flutter_embedding/preview/connection_page.h"
+#include "flutter_embedding/preview/diagnostics_page.h"
+#include "flutter_embedding/preview/log_page.h"
+#include "flutter_embedding/preview/screenshot.h"
+#include "flutter_embedding/preview/widgets.h"
+
+namespace preview {
+namespace {
+
+struct Preview {
+  Options options;
+  GtkWidget* root = nullptr;
+  GtkStack* pages = nullptr;
+  // Ends with the widgets; the rest stays until the last signal of a dying widget has been handled.
+  std::shared_ptr<void> life = std::make_shared<char>();
+  std::shared_ptr<ServiceClient> client;
+  std::shared_ptr<ConnectionPage> connection;
+  std::shared_ptr<LogPage> log;
+  std::shared_ptr<DiagnosticsPage> diagnostics;
+  std::shared_ptr<Automation> automation;
+};
+
+void complain(const std::string& text) {
+  const std::string line = text + "\n";
+  std::fwrite(line.data(), 1, line.size(), stderr);
+  std::fflush(stderr);
+}
+
+void free_preview(gpointer data) { delete static_cast<Preview*>(data); }
+
+void end_life(Preview* preview) {
+  if (preview->life == nullptr) return;
+  preview->life.reset();
+  log_page_stop_listening(preview->log.get());
+}
+
+bool is_drawn(const Preview& preview) {
+  if (gtk_stack_get_transition_running(preview.pages)) return false;
+  return preview.options.page != "diagnostics" || diagnostics_page_is_loaded(*preview.diagnostics);
+}
+
+void take_screenshot(const Preview& preview) {
+  const std::string complaint = write_screenshot(preview.root, preview.options.screenshot);
+  if (complaint.empty()) return;
+  g_autofree char* file = g_filename_display_name(preview.options.screenshot.c_str());
+  complain(std::string("无法写入截图 ") + file + ": " + complaint);
+}
+
+void close_window(const Preview& preview) {
+  GtkWidget* window = gtk_widget_get_toplevel(preview.root);
+  if (GTK_IS_WINDOW(window)) gtk_window_close(GTK_WINDOW(window));
+}
+
+void make_client(Preview* preview, FlBinaryMessenger* messenger) {
+  preview->client =
+      service_client_new(messenger, preview->life, [preview](const ServiceStatus& status) {
+        connection_page_show(preview->connection.get(), status);
+        automation_notice(preview->automation.get(), status);
+      });
+  AutomationActions actions;
+  actions.connect = [preview] { connection_page_connect(preview->connection.get()); };
+  actions.disconnect = [preview] { service_client_disconnect(preview->client.get()); };
+  actions.is_drawn = [preview] { return is_drawn(*preview); };
+  actions.take_screenshot = [preview] { take_screenshot(*preview); };
+  actions.close = [preview] { close_window(*preview); };
+  preview->automation = automation_new(preview->options, preview->life, std::move(actions));
+}
+
+void make_pages(Preview* preview, FlBinaryMessenger* messenger) {
+  preview->connection = connection_page_new(preview->options, preview->client);
+  preview->log = log_page_new(messenger, preview->life);
+  preview->diagnostics = diagnostics_page_new(messenger, preview->life);
+  preview->pages = GTK_STACK(gtk_stack_new());
+  gtk_stack_set_transition_type(preview->pages, GTK_STACK_TRANSITION_TYPE_CROSSFADE);
+  gtk_stack_add_titled(preview->pages, connection_page_widget(*preview->connection), "connection",
+                       "连接");
+  gtk_stack_add_titled(preview->pages, log_page_widget(*preview->log), "log", "日志");
+  gtk_stack_add_titled(preview->pages, diagnostics_page_widget(*preview->diagnostics),
+                       "diagnostics", "诊断");
+}
+
+void make_root(Preview* preview) {
+  GtkWidget* switcher = gtk_stack_switcher_new();
+  gtk_stack_switcher_set_stack(GTK_STACK_SWITCHER(switcher), preview->pages);
+  gtk_box_set_homogeneous(GTK_BOX(switcher), TRUE);
+  gtk_widget_set_halign(switcher, GTK_ALIGN_CENTER);
+  gtk_widget_set_margin_top(switcher, kSpacing);
+  preview->root = gtk_box_new(GTK_ORIENTATION_VERTICAL, 0);
+  gtk_container_add(GTK_CONTAINER(preview->root), switcher);
+  gtk_container_add(GTK_CONTAINER(preview->root), GTK_WIDGET(preview->pages));
+  gtk_widget_set_hexpand(preview->root, TRUE);
+  gtk_widget_set_vexpand(preview->root, TRUE);
+  use_chinese_glyphs(preview->root);
+  gtk_widget_show_all(preview->root);
+  gtk_stack_set_visible_child_name(preview->pages, preview->options.page.c_str());
+  g_object_set_data_full(G_OBJECT(preview->root), "preview", preview, free_preview);
+  on_signal(preview->root, "destroy", [preview] { end_life(preview); });
+}
+
+// Listening begins with the window and not with its log page: the stream replays a long log at a
+// quarter of a megabyte a second, which a person who opens the page would have to sit through.
+void start(Preview* preview) {
+  log_page_listen(preview->log.get());
+  service_client_check(preview->client.get());
+}
+
+}  // namespace
+}  // namespace preview
+
+GtkWidget* preview_new(FlBinaryMessenger* messenger, char** dart_entrypoint_arguments) {
+  using namespace preview;
+  ParsedOptions parsed = parse_options(dart_entrypoint_arguments);
+  if (!parsed.complaint.empty()) complain("界面参数有误，按默认设置继续: " + parsed.complaint);
+  load_style();
+  auto* the_preview = new Preview;
+  the_preview->options = std::move(parsed.options);
+  make_client(the_preview, messenger);
+  make_pages(the_preview, messenger);
+  make_root(the_preview);
+  // The host installs its handlers only after it has made the view.
+  run_later(0, the_preview->life, [the_preview] { start(the_preview); });
+  return the_preview->root;
+}

@@ -1,0 +1,13 @@
+#ifndef CORVANA_FLUTTER_EMBEDDING_PREVIEW_PREVIEW_H_
+#define CORVANA_FLUTTER_EMBEDDING_PREVIEW_PREVIEW_H_
+
+#include <flutter_linux/flutter_linux.h>
+#include <gtk/gtk.h>
+
+// The window content that stands in for the Flutter application. Like it, the content reaches the
+// host over the messenger only. Takes a reference on the messenger; borrows the arguments (null and
+// empty are fine, what can't be understood is reported on standard error). Returns a floating
+// widget. Main thread only, after gtk_init. Never fails.
+GtkWidget* preview_new(FlBinaryMessenger* messenger, char** dart_entrypoint_arguments);
+
+#endif  // CORVANA_FLUTTER_EMBEDDING_PREVIEW_PREVIEW_H_

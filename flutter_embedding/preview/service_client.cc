@@ -1,0 +1,163 @@
+#include "flutter_embedding/preview/service_client.h"
+
+#include <utility>
+
+#include "flutter_embedding/preview/reply_values.h"
+#include "flutter_embedding/ui_channel.h"
+
+namespace preview {
+
+struct ServiceClient {
+  FlBinaryMessenger* messenger;
+  Life life;
+  std::function<void(const ServiceStatus&)> on_change;
+  ServiceStatus status;
+  unsigned epoch =
+      0;  // counts the tasks; an answer from before the latest one says nothing about it
+  unsigned contradictions = 0;  // answers in a row that the core's presence contradicts
+
+  ServiceClient(FlBinaryMessenger* the_messenger, Life the_life,
+                std::function<void(const ServiceStatus&)> callback)
+      : messenger(FL_BINARY_MESSENGER(g_object_ref(the_messenger))),
+        life(std::move(the_life)),
+        on_change(std::move(callback)) {}
+  ~ServiceClient() { g_object_unref(messenger); }
+  ServiceClient(const ServiceClient&) = delete;
+  ServiceClient& operator=(const ServiceClient&) = delete;
+};
+
+namespace {
+
+constexpr unsigned kBusyPollMilliseconds = 150;
+// Each question makes the host walk through all processes: seldom enough to cost nothing, often
+// enough to be noticed.
+constexpr unsigned kWatchMilliseconds = 2000;
+// About two seconds of busy polling.
+constexpr unsigned kMostContradictions = 14;
+
+const Failure kNoReason = {"", "启动失败，后台服务没有给出原因。", ""};
+const Failure kNoAnswer = {"no_answer", "后台服务没有应答，请重新打开 Corvana。", ""};
+const Failure kStopFailed = {
+    "", "核心没有停止，它可能属于其他用户，或拒绝退出。\n系统代理已经恢复，可以稍后再试一次。", ""};
+
+void ask(ServiceClient* client);
+
+void call(ServiceClient* client, const char* method, FlValue* args,
+          std::function<void(const UiReply&)> on_reply) {
+  ui_invoke_method(client->messenger, kServiceChannel, method, args,
+                   [life = client->life, on_reply = std::move(on_reply)](const UiReply& reply) {
+                     if (!life.expired()) on_reply(reply);
+                   });
+}
+
+void set_phase(ServiceClient* client, Phase phase, Failure failure = {}) {
+  client->status.phase = phase;
+  client->status.failure = std::move(failure);
+  if (phase != Phase::starting) client->status.stop_wanted = false;
+  client->on_change(client->status);
+}
+
+void ask_later(ServiceClient* client) {
+  const Phase phase = client->status.phase;
+  const bool watches = phase == Phase::connected || phase == Phase::stop_failed;
+  if (!is_busy(phase) && !watches) return;
+  run_later(is_busy(phase) ? kBusyPollMilliseconds : kWatchMilliseconds, client->life,
+            [client, epoch = client->epoch] {
+              if (epoch == client->epoch) ask(client);
+            });
+}
+
+void begin_task(ServiceClient* client, Phase phase) {
+  ++client->epoch;
+  client->contradictions = 0;
+  set_phase(client, phase);
+}
+
+void fetch_failure(ServiceClient* client) {
+  call(client, "getLastError", nullptr, [client](const UiReply& reply) {
+    Failure failure = {string_at(reply.value, "code").value_or(""),
+                       string_at(reply.value, "message").value_or(""),
+                       string_at(reply.value, "logTail").value_or("")};
+    if (failure.message.empty()) failure = kNoReason;
+    set_phase(client, Phase::start_failed, std::move(failure));
+  });
+}
+
+void stop(ServiceClient* client) {
+  begin_task(client, Phase::stopping);
+  // The answer to stopVPN is false also when all goes well, so only its arrival counts.
+  call(client, "stopVPN", nullptr, [client](const UiReply& reply) {
+    if (reply.kind != UiReply::Kind::success)
+      return set_phase(client, Phase::stop_failed, kNoAnswer);
+    ask_later(client);
+  });
+}
+
+void take_report(ServiceClient* client, const TaskReport& report) {
+  const Phase now = client->status.phase;
+  if (is_busy(now) && report.is_complete) ++client->contradictions;
+  const Phase next = next_phase(now, report, client->contradictions > kMostContradictions);
+  const bool core_came_or_went = client->status.core_running != report.core_running;
+  client->status.core_running = report.core_running;
+
+  if (next == Phase::start_failed && now != next) return fetch_failure(client);
+  if (next == Phase::connected && client->status.stop_wanted) return stop(client);
+  if (next != now) {
+    set_phase(client, next, next == Phase::stop_failed ? kStopFailed : Failure{});
+  } else if (core_came_or_went) {
+    client->on_change(client->status);
+  }
+  ask_later(client);
+}
+
+void ask(ServiceClient* client) {
+  call(client, "checkTaskComplete", nullptr, [client, epoch = client->epoch](const UiReply& reply) {
+    if (epoch != client->epoch) return;
+    const auto is_complete = bool_at(reply.value, "isComplete");
+    if (!is_complete) return set_phase(client, Phase::start_failed, kNoAnswer);
+    take_report(client, {*is_complete, bool_at(reply.value, "taskResult").value_or(false),
+                         bool_at(reply.value, "vpnStatus").value_or(false)});
+  });
+}
+
+}  // namespace
+
+std::shared_ptr<ServiceClient> service_client_new(
+    FlBinaryMessenger* messenger, const Life& life,
+    std::function<void(const ServiceStatus&)> on_change) {
+  return std::make_shared<ServiceClient>(messenger, life, std::move(on_change));
+}
+
+void service_client_check(ServiceClient* client) { ask(client); }
+
+void service_client_connect(ServiceClient* client, const std::string& config, ProxyMode mode) {
+  if (is_busy(client->status.phase)) return;
+  begin_task(client, Phase::starting);
+  g_autoptr(FlValue) args = fl_value_new_map();
+  fl_value_set_string_take(args, "configPath", fl_value_new_string(config.c_str()));
+  fl_value_set_string_take(args, "proxyMode", fl_value_new_int(static_cast<int64_t>(mode)));
+  call(client, "startVPN", args, [client](const UiReply& reply) {
+    if (reply.kind != UiReply::Kind::success)
+      return set_phase(client, Phase::start_failed, kNoAnswer);
+    const bool accepted =
+        fl_value_get_type(reply.value) == FL_VALUE_TYPE_BOOL && fl_value_get_bool(reply.value);
+    if (!accepted) return fetch_failure(client);
+    ask_later(client);
+  });
+}
+
+void service_client_disconnect(ServiceClient* client) {
+  if (client->status.phase == Phase::stopping) return;
+  if (client->status.phase != Phase::starting) return stop(client);
+  // A stop beside a running start would make the two outcomes look alike.
+  client->status.stop_wanted = true;
+  client->on_change(client->status);
+}
+
+void service_client_fail(ServiceClient* client, Failure failure) {
+  set_phase(client, Phase::start_failed, std::move(failure));
+}
+
+const ServiceStatus& service_client_status(const ServiceClient* client) { return client->status; }
+
+}  // namespace preview

@@ -1,0 +1,98 @@
+#include "flutter_embedding/ui_channel.h"
+
+#include <utility>
+
+#include "flutter_embedding/channels/engine_messenger.h"
+#include "flutter_embedding/channels/method_response.h"
+#include "flutter_embedding/codec/standard_codec.h"
+
+static UiReply codec_failure(const GError* error) {
+  return {UiReply::Kind::error, nullptr, "codec", error->message};
+}
+
+static UiReply error_reply(FlMethodErrorResponse* response) {
+  const char* message = method_error_response_get_message(response);
+  return {UiReply::Kind::error, nullptr, method_error_response_get_code(response),
+          message == nullptr ? "" : message};
+}
+
+// The value in it is the response's.
+static UiReply reply_from(FlMethodResponse* response) {
+  if (FL_IS_METHOD_SUCCESS_RESPONSE(response)) {
+    FlValue* result = method_success_response_get_result(FL_METHOD_SUCCESS_RESPONSE(response));
+    return {UiReply::Kind::success, result, "", ""};
+  }
+  if (FL_IS_METHOD_ERROR_RESPONSE(response)) {
+    return error_reply(FL_METHOD_ERROR_RESPONSE(response));
+  }
+  return {};
+}
+
+static void decode_and_pass_on(GBytes* bytes, const std::function<void(const UiReply&)>& receiver) {
+  if (bytes == nullptr) {
+    receiver({});
+    return;
+  }
+  g_autoptr(GError) error = nullptr;
+  g_autoptr(FlMethodResponse) response = decode_reply(bytes, &error);
+  receiver(response == nullptr ? codec_failure(error) : reply_from(response));
+}
+
+static void warn_about_error(const std::string& channel, const char* what, const UiReply& reply) {
+  g_warning("Channel %s: %s: %s: %s", channel.c_str(), what, reply.error_code.c_str(),
+            reply.error_message.c_str());
+}
+
+void ui_send_message(FlBinaryMessenger* messenger, const char* channel, GBytes* message,
+                     std::function<void(GBytes* reply)> on_reply) {
+  fl_engine_messenger_send_to_host(FL_ENGINE_MESSENGER(messenger), channel, message,
+                                   std::move(on_reply));
+}
+
+void ui_invoke_method(FlBinaryMessenger* messenger, const char* channel, const char* method,
+                      FlValue* args, std::function<void(const UiReply&)> on_reply) {
+  g_autoptr(GError) error = nullptr;
+  g_autoptr(GBytes) message = encode_method_call(method, args, &error);
+  if (message == nullptr) {
+    fl_engine_messenger_run_later(
+        FL_ENGINE_MESSENGER(messenger),
+        [on_reply = std::move(on_reply), failure = codec_failure(error)] { on_reply(failure); });
+    return;
+  }
+  ui_send_message(messenger, channel, message, [on_reply = std::move(on_reply)](GBytes* reply) {
+    decode_and_pass_on(reply, on_reply);
+  });
+}
+
+void ui_listen(FlBinaryMessenger* messenger, const char* channel,
+               std::function<void(FlValue* event)> on_event) {
+  FlEngineMessenger* wire = FL_ENGINE_MESSENGER(messenger);
+  const std::function<void(const UiReply&)> pass_on =
+      [name = std::string(channel), on_event = std::move(on_event)](const UiReply& event) {
+        if (event.kind == UiReply::Kind::success) {
+          on_event(event.value);
+        } else {
+          warn_about_error(name, "bad event", event);
+        }
+      };
+  // The receiver goes with the messenger at the latest, so it may point at it.
+  fl_engine_messenger_set_receiver(
+      wire, channel, [wire, name = std::string(channel), pass_on](GBytes* message) {
+        if (g_bytes_get_size(message) == 0) {
+          fl_engine_messenger_set_receiver(wire, name.c_str(), nullptr);
+          return;
+        }
+        decode_and_pass_on(message, pass_on);
+      });
+  ui_invoke_method(messenger, channel, "listen", nullptr,
+                   [name = std::string(channel)](const UiReply& reply) {
+                     if (reply.kind == UiReply::Kind::error) {
+                       warn_about_error(name, "listen refused", reply);
+                     }
+                   });
+}
+
+void ui_cancel(FlBinaryMessenger* messenger, const char* channel) {
+  fl_engine_messenger_set_receiver(FL_ENGINE_MESSENGER(messenger), channel, nullptr);
+  ui_invoke_method(messenger, channel, "cancel", nullptr, [](const UiReply&) {});
+}

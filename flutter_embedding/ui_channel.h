@@ -1,0 +1,45 @@
+// The user interface's end of the platform channels: what the application in the window would do
+// through its framework. Everything crosses as encoded bytes, in the standard codec.
+//
+// Main thread only. Replies and events come from the main loop, never from inside a call here. Once
+// the engine is gone nothing more comes: calls do nothing, and their callbacks are destroyed
+// uncalled.
+
+#ifndef CORVANA_FLUTTER_EMBEDDING_UI_CHANNEL_H_
+#define CORVANA_FLUTTER_EMBEDDING_UI_CHANNEL_H_
+
+#include <flutter_linux/flutter_linux.h>
+
+#include <functional>
+#include <string>
+
+struct UiReply {
+  enum class Kind { success, error, not_implemented };
+
+  Kind kind = Kind::not_implemented;
+  FlValue* value = nullptr;   // a success's result, borrowed for the callback; otherwise null
+  std::string error_code;     // of an error
+  std::string error_message;  // of an error; empty when it has none
+};
+
+// Sends raw bytes to the host's handler of `channel`, taking its own reference on them. The reply
+// is borrowed for the callback: null when nobody handled the message, empty for "not implemented".
+void ui_send_message(FlBinaryMessenger* messenger, const char* channel, GBytes* message,
+                     std::function<void(GBytes* reply)> on_reply);
+
+// Calls a method. `args` is borrowed, and null is sent as the null value. A channel without a
+// handler answers "not implemented". A call that can't be encoded and a reply that can't be decoded
+// are errors with the code "codec".
+void ui_invoke_method(FlBinaryMessenger* messenger, const char* channel, const char* method,
+                      FlValue* args, std::function<void(const UiReply&)> on_reply);
+
+// Installs the receiver of a channel's events, in place of an earlier one, then calls "listen".
+// Each event is borrowed for the callback. A refused listen and an event that is an error or
+// malformed are GLib warnings. The end of the stream removes the receiver.
+void ui_listen(FlBinaryMessenger* messenger, const char* channel,
+               std::function<void(FlValue* event)> on_event);
+
+// Removes the receiver and calls "cancel".
+void ui_cancel(FlBinaryMessenger* messenger, const char* channel);
+
+#endif  // CORVANA_FLUTTER_EMBEDDING_UI_CHANNEL_H_

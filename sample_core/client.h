@@ -1,0 +1,31 @@
+#ifndef CORVANA_SAMPLE_CORE_CLIENT_H_
+#define CORVANA_SAMPLE_CORE_CLIENT_H_
+
+#include <gio/gio.h>
+
+#include <string>
+
+#include "endpoint.h"
+
+// The longest request head that is read, in bytes; also the size of every client's input buffer.
+inline constexpr gsize max_head_size = 65536;
+
+// An accepted connection during its handshake, which blocks a worker thread of its own. Borrowed
+// pointers: the service's handler owns both.
+struct Client {
+  GSocketConnection* connection;
+  GBufferedInputStream* input;  // reads `connection`
+};
+
+// Writes all of `bytes`; false when the other side is gone or takes nothing for too long.
+bool send_bytes(GSocketConnection* connection, const std::string& bytes);
+
+// Ends the client's connection after a last answer. Waits a moment for what the client still sends,
+// since closing with unread data makes the kernel throw that answer away.
+void close_gently(const Client& client);
+
+// Connects to `target` without any proxy; blocks for some seconds at most. Returns a new connection
+// that the caller releases, or null with `error` set.
+GSocketConnection* connect_direct(const Endpoint& target, GError** error);
+
+#endif

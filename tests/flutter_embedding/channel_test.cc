@@ -1,0 +1,142 @@
+#include <gtest/gtest.h>
+
+#include "flutter_embedding/channels/binary_messenger.h"
+#include "flutter_embedding/engine.h"
+#include "flutter_embedding/ui_channel.h"
+
+namespace {
+
+using CallHandler = std::function<void(FlMethodCall*)>;
+
+std::string text_of(const UiReply& reply) {
+  if (reply.kind == UiReply::Kind::not_implemented) return "not implemented";
+  if (reply.kind == UiReply::Kind::error) return reply.error_code + ": " + reply.error_message;
+  g_autofree gchar* value = fl_value_to_string(reply.value);
+  return value;
+}
+
+// The code of the failure, or -1.
+int respond(FlMethodCall* call, gpointer new_response) {
+  g_autoptr(FlMethodResponse) response = FL_METHOD_RESPONSE(new_response);
+  g_autoptr(GError) error = nullptr;
+  return fl_method_call_respond(call, response, &error) ? -1 : error->code;
+}
+
+class Channel : public testing::Test {
+ protected:
+  ~Channel() override { g_clear_object(&engine); }
+
+  // Once this returns, only the messenger keeps the channel.
+  void handle(CallHandler handler) {
+    g_autoptr(FlMethodChannel) channel = fl_method_channel_new(messenger, "m", codec);
+    const auto run = [](FlMethodChannel*, FlMethodCall* call, gpointer data) {
+      (*static_cast<CallHandler*>(data))(call);
+    };
+    const auto destroy = [](gpointer data) { delete static_cast<CallHandler*>(data); };
+    fl_method_channel_set_method_call_handler(channel, run, new CallHandler(handler), destroy);
+  }
+
+  // What the reply says, or "none" as long as there is none.
+  auto invoke(const char* channel, const char* method, FlValue* args = nullptr) {
+    auto text = std::make_shared<std::string>("none");
+    ui_invoke_method(messenger, channel, method, args, [text](auto& r) { *text = text_of(r); });
+    return text;
+  }
+
+  static void run_loop() {
+    while (g_main_context_iteration(nullptr, FALSE)) continue;
+  }
+
+  std::shared_ptr<FlDartProject> project{fl_dart_project_new(), g_object_unref};
+  FlEngine* engine = fl_engine_new(project.get());
+  FlBinaryMessenger* messenger = fl_engine_get_binary_messenger(engine);
+  std::shared_ptr<void> kept_messenger{g_object_ref(messenger), g_object_unref};
+  std::shared_ptr<void> kept_codec{fl_standard_method_codec_new(), g_object_unref};
+  FlMethodCodec* codec = FL_METHOD_CODEC(kept_codec.get());
+};
+
+TEST_F(Channel, EveryKindOfAnswerArrivesLater) {
+  g_autoptr(FlValue) broken = fl_value_new_string("\xff");
+  g_autoptr(FlValue) args = fl_value_new_list();
+  int second_answer = -1;
+  handle([&](FlMethodCall* call) {
+    const std::string name = fl_method_call_get_name(call);
+    if (name == "fail") respond(call, fl_method_error_response_new("c", "m", nullptr));
+    if (name != "echo") return;
+    EXPECT_NE(respond(call, fl_method_success_response_new(broken)), -1);
+    EXPECT_EQ(respond(call, fl_method_success_response_new(fl_method_call_get_args(call))), -1);
+    second_answer = respond(call, fl_method_not_implemented_response_new());
+  });
+  const std::tuple<const char*, const char*, FlValue*, const char*> rows[] = {
+      {"m", "echo", args, "[]"},
+      {"m", "fail", nullptr, "c: m"},
+      {"m", "forgotten", nullptr, "not implemented"},
+      {"nobody", "echo", nullptr, "not implemented"},
+      {"m", "echo", broken, "codec: A text is not UTF-8"}};
+  for (const auto& [channel, method, sent, expected] : rows) {
+    const auto reply = invoke(channel, method, sent);
+    EXPECT_EQ(*reply, "none");
+    run_loop();
+    EXPECT_EQ(*reply, expected) << method;
+  }
+  EXPECT_EQ(second_answer, MESSENGER_ERROR_ALREADY_ANSWERED);
+}
+
+TEST_F(Channel, NestedMainLoopGoesOnDelivering) {
+  std::shared_ptr<std::string> queued;
+  ui_invoke_method(messenger, "m", "first", nullptr, [&](const UiReply&) {
+    run_loop();
+    EXPECT_EQ(*queued, "not implemented");
+  });
+  queued = invoke("m", "queued");
+  run_loop();
+}
+
+TEST_F(Channel, EventsReachTheListenerUntilItCancels) {
+  g_autoptr(FlEventChannel) channel = fl_event_channel_new(messenger, "e", codec);
+  const auto refuse = [](FlEventChannel*, FlValue*, gpointer) {
+    return fl_method_error_response_new("refused", "always", nullptr);
+  };
+  fl_event_channel_set_stream_handlers(channel, nullptr, refuse, nullptr, nullptr);
+  const auto send = [&](const char* text) {
+    g_autoptr(FlValue) event = fl_value_new_string(text);
+    EXPECT_TRUE(fl_event_channel_send(channel, event, nullptr, nullptr));
+  };
+  std::string heard;
+  ui_listen(messenger, "e", [&](FlValue* event) { heard += fl_value_get_string(event); });
+  send("one ");
+  send("two ");
+  run_loop();
+  send("late ");
+  ui_cancel(messenger, "e");
+  run_loop();
+  EXPECT_EQ(heard, "one two ");
+  const auto refused = invoke("e", "cancel"), unknown = invoke("e", "pause");
+  run_loop();
+  EXPECT_EQ(*refused + ", " + *unknown, "refused: always, not implemented");
+}
+
+TEST_F(Channel, HandlerAndEngineEndWithCallsUnderWay) {
+  auto handler_token = std::make_shared<int>(), reply_token = std::make_shared<int>();
+  const std::weak_ptr<int> handler_lives = handler_token, replies_live = reply_token;
+  FlMethodCall* kept = nullptr;
+  handle([&, token = std::move(handler_token)](FlMethodCall* call) {
+    kept = FL_METHOD_CALL(g_object_ref(call));
+    handle([token](FlMethodCall*) { ADD_FAILURE(); });
+    g_clear_object(&engine);
+    EXPECT_FALSE(handler_lives.expired()) << "destroyed while it runs";
+  });
+  for (const char* fate : {"kept", "never delivered"}) {
+    ui_invoke_method(messenger, "m", fate, nullptr, [reply_token](auto&) { ADD_FAILURE(); });
+  }
+  reply_token.reset();
+  run_loop();
+  EXPECT_TRUE(handler_lives.expired() && replies_live.expired());
+  EXPECT_EQ(respond(kept, fl_method_success_response_new(nullptr)), MESSENGER_ERROR_CLOSED);
+  g_object_unref(kept);
+  const auto late = invoke("m", "late");
+  run_loop();
+  EXPECT_EQ(*late, "none");
+}
+
+}  // namespace

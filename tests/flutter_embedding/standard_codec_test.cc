@@ -1,0 +1,119 @@
+#include "flutter_embedding/codec/standard_codec.h"
+
+#include <gtest/gtest.h>
+
+#include "flutter_embedding/codec/codec_error.h"
+#include "flutter_embedding/codec/wire_format.h"
+
+namespace {
+
+using Bytes = std::vector<uint8_t>;
+
+Bytes bytes_of(GBytes* message) {
+  size_t size = 0;
+  const auto* data = static_cast<const uint8_t*>(g_bytes_get_data(message, &size));
+  return Bytes(data, data + size);
+}
+
+GBytes* message_of(const Bytes& bytes) { return g_bytes_new(bytes.data(), bytes.size()); }
+
+// Bytes written by hand are read to what the text says, and written again as they were.
+void expect_value_is(const Bytes& bytes, const std::string& text) {
+  g_autoptr(GBytes) message = message_of(bytes);
+  const ValueRef value = decode_value(message, nullptr);
+  ASSERT_NE(value, nullptr) << text;
+  g_autofree gchar* value_text = fl_value_to_string(value.get());
+  EXPECT_EQ(value_text, text);
+  g_autoptr(GBytes) encoded = encode_value(value.get(), nullptr);
+  EXPECT_EQ(bytes_of(encoded), bytes) << text;
+}
+
+TEST(StandardCodec, BytesAndTheirValues) {
+  const std::pair<Bytes, const char*> rows[] = {
+      {{13, 2, 7, 1, 'b', 1, 2, 0}, "{b: true, false: null}"},
+      {{3, 0xfe, 0xff, 0xff, 0xff}, "-2"},
+      {{4, 0, 0, 0, 0x80, 0, 0, 0, 0}, "2147483648"},
+      {{6, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0xf8, 0x3f}, "1.5"},
+      {{7, 3, 0xe4, 0xb8, 0xad}, "\u4e2d"},
+      {{7, 3, 'a', 0, 'b'}, "a"},
+      {{8, 2, 1, 255}, "[1, 255]"},
+      {{9, 2, 0, 0, 1, 0, 0, 0, 0xfe, 0xff, 0xff, 0xff}, "[1, -2]"},
+      {{10, 1, 0, 0, 0, 0, 0, 0, 2, 0, 0, 0, 0, 0, 0, 0}, "[2]"},
+      {{11, 1, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0xf8, 0x3f}, "[1.5]"},
+      {{11, 0, 0, 0, 0, 0, 0, 0}, "[]"},
+      {{14, 1, 0, 0, 0, 0, 0xc0, 0x3f}, "[1.5]"},
+      // Padding counts from the start of the message, not of the value.
+      {{12, 2, 7, 2, 'a', 'b', 6, 0, 0, 0, 0, 0, 0, 0, 0xf8, 0x3f}, "[ab, 1.5]"},
+  };
+  for (const auto& [bytes, text] : rows) expect_value_is(bytes, text);
+}
+
+TEST(StandardCodec, SizesTakeOneThreeOrFiveBytes) {
+  const Bytes heads[] = {{7, 253}, {7, 254, 254, 0}, {7, 254, 255, 255}, {7, 255, 0, 0, 1, 0}};
+  const size_t sizes[] = {253, 254, 65535, 65536};
+  for (size_t i = 0; i < std::size(sizes); ++i) {
+    Bytes bytes = heads[i];
+    bytes.insert(bytes.end(), sizes[i], 'x');
+    expect_value_is(bytes, std::string(sizes[i], 'x'));
+  }
+}
+
+TEST(StandardCodec, CallsAndReplies) {
+  g_autoptr(GBytes) call = encode_method_call("go", nullptr, nullptr);
+  EXPECT_EQ(bytes_of(call), (Bytes{7, 2, 'g', 'o', 0}));
+  const Bytes replies[] = {{},
+                           {0, 6, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0xf8, 0x3f},
+                           {1, 7, 1, 'c', 0, 0},
+                           {1, 7, 1, 'c', 7, 1, 'm', 1}};
+  for (const Bytes& bytes : replies) {
+    g_autoptr(GBytes) message = message_of(bytes);
+    g_autoptr(FlMethodResponse) response = decode_reply(message, nullptr);
+    g_autoptr(GBytes) encoded = encode_reply(response, nullptr);
+    EXPECT_EQ(bytes_of(encoded), bytes);
+  }
+}
+
+TEST(StandardCodec, MalformedMessages) {
+  const auto value = [](GBytes* m, GError** error) { return decode_value(m, error) != nullptr; };
+  const auto reply = [](GBytes* m, GError** error) { return decode_reply(m, error) != nullptr; };
+  const auto call = [](GBytes* m, GError** error) {
+    DecodedCall decoded;
+    return decode_method_call(m, &decoded, error);
+  };
+  const std::tuple<bool (*)(GBytes*, GError**), Bytes, CodecError> rows[] = {
+      {value, {}, CODEC_ERROR_TRUNCATED},
+      {value, {7, 254, 1}, CODEC_ERROR_TRUNCATED},
+      {value, {11, 255, 0xff, 0xff, 0xff, 0xff, 0, 0, 0}, CODEC_ERROR_TRUNCATED},
+      {value, {12, 255, 0xff, 0xff, 0xff, 0xff, 0}, CODEC_ERROR_TRUNCATED},
+      {value, {13, 1, 0}, CODEC_ERROR_TRUNCATED},
+      {value, Bytes(1000000, 12), CODEC_ERROR_TOO_DEEP},
+      {value, {5}, CODEC_ERROR_UNKNOWN_TYPE},
+      {value, {0, 0}, CODEC_ERROR_TRAILING_BYTES},
+      {value, {7, 2, 0xc3, 0x28}, CODEC_ERROR_NOT_UTF8},
+      {value, {7, 2, 0, 0xe4}, CODEC_ERROR_NOT_UTF8},
+      {call, {7, 1, 'a', 0, 0}, CODEC_ERROR_TRAILING_BYTES},
+      {reply, {2, 0}, CODEC_ERROR_UNKNOWN_TYPE},
+      {reply, {1, 0, 0, 0}, CODEC_ERROR_UNEXPECTED_TYPE},
+      {reply, {1, 7, 1, 'c', 0}, CODEC_ERROR_TRUNCATED},
+  };
+  for (const auto& [decode, bytes, code] : rows) {
+    g_autoptr(GBytes) message = message_of(bytes);
+    g_autoptr(GError) error = nullptr;
+    ASSERT_FALSE(decode(message, &error)) << code;
+    EXPECT_TRUE(g_error_matches(error, codec_error_quark(), code)) << error->message;
+  }
+}
+
+TEST(StandardCodec, NothingUnreadableIsWritten) {
+  g_autoptr(FlValue) text = fl_value_new_string("\xff");
+  EXPECT_EQ(encode_value(text, nullptr), nullptr);
+  ValueRef nested(fl_value_new_null());
+  for (int depth = 0; depth <= deepest_nesting + 1; ++depth) {
+    g_autoptr(GBytes) encoded = encode_value(nested.get(), nullptr);
+    EXPECT_EQ(encoded != nullptr && decode_value(encoded, nullptr), depth <= deepest_nesting);
+    ValueRef inner = std::exchange(nested, ValueRef(fl_value_new_list()));
+    fl_value_append_take(nested.get(), inner.release());
+  }
+}
+
+}  // namespace
