@@ -1,0 +1,26 @@
+#include "core/core_binary.h"
+
+#include <unistd.h>
+
+#include "executable_dir.h"
+#include "support/files.h"
+#include "support/shell_command.h"
+
+static constexpr size_t k_path_buffer_size = 4096;
+
+static bool is_usable_core(const std::string& path) {
+  return path_exists(path) && access(path.c_str(), X_OK) == 0;
+}
+
+std::string find_zant_binary() {
+  const std::string candidates[] = {
+      read_first_line("command -v zant 2>/dev/null", k_path_buffer_size),
+      get_executable_dir() + "/bin/zant",
+      "/opt/corvana/bin/zant",
+      "/usr/local/bin/zant",
+  };
+  for (const std::string& candidate : candidates) {
+    if (is_usable_core(candidate)) return candidate;
+  }
+  return "";
+}

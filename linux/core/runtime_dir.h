@@ -1,0 +1,14 @@
+#ifndef CORVANA_CORE_RUNTIME_DIR_H_
+#define CORVANA_CORE_RUNTIME_DIR_H_
+
+#include <string>
+
+// The core's per-user working directory, without a trailing slash, made when it is missing:
+// "Corvana/run" in the user's data home, or a directory under /tmp when that can't be made or
+// written. Never fails; where even /tmp refuses, whoever uses the path meets the error. Any thread.
+std::string get_user_runtime_dir();
+
+// The core's log: "runtime.log" in that directory, which this makes too. Any thread.
+std::string runtime_log_path();
+
+#endif

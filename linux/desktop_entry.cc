@@ -1,0 +1,103 @@
+#include "desktop_entry.h"
+
+#include <sys/stat.h>
+
+#include <chrono>
+#include <climits>
+#include <cstdlib>
+#include <cstring>
+#include <exception>
+#include <filesystem>
+#include <string>
+#include <thread>
+
+#include "desktop_entry_text.h"
+#include "executable_dir.h"
+#include "support/console.h"
+#include "support/files.h"
+#include "support/shell_command.h"
+
+namespace fs = std::filesystem;
+
+// Main thread only.
+static bool desktop_entry_created = false;
+
+bool is_desktop_entry_created() { return desktop_entry_created; }
+
+static bool contains_ignoring_case(const char* text, const char* word) {
+  return text != nullptr && strcasestr(text, word) != nullptr;
+}
+
+static void install_icon(const std::string& source, const std::string& target) {
+  if (!path_exists(source)) {
+    print_error_line("警告: 图标文件未找到，桌面图标可能无法正常显示");
+  }
+  try {
+    if (!fs::exists(source)) return;
+    fs::copy_file(source, target, fs::copy_options::overwrite_existing);
+    print_line("已复制图标到标准位置: " + target);
+  } catch (const std::exception& error) {
+    print_error_line(std::string("复制图标到标准位置失败: ") + error.what());
+  }
+}
+
+static std::string choose_exec_path() {
+  const std::string preferred = get_executable_dir() + "/Corvana";
+  if (path_exists(preferred)) return preferred;
+  char running[PATH_MAX];
+  return realpath("/proc/self/exe", running) == nullptr ? preferred : running;
+}
+
+static const char* refresh_command_of_desktop() {
+  const char* const desktop = std::getenv("XDG_CURRENT_DESKTOP");
+  for (const char* shell_desktop : {"GNOME", "UNITY", "UBUNTU"}) {
+    if (!contains_ignoring_case(desktop, shell_desktop)) continue;
+    // On Wayland the shell can't be replaced without ending the session.
+    const bool on_x11 = contains_ignoring_case(std::getenv("XDG_SESSION_TYPE"), "x11");
+    return on_x11 ? "gnome-shell --replace &" : nullptr;
+  }
+  return contains_ignoring_case(desktop, "KDE") ? "kbuildsycoca5 &> /dev/null" : nullptr;
+}
+
+static void refresh_menus(const std::string& entry_path) {
+  run_shell_command("update-desktop-database ~/.local/share/applications &> /dev/null");
+  run_shell_command("gtk-update-icon-cache -f -t ~/.local/share/icons/hicolor &> /dev/null");
+  const char* const desktop_command = refresh_command_of_desktop();
+  if (desktop_command != nullptr) run_shell_command(desktop_command);
+  run_shell_command(touch_command(entry_path));
+  run_shell_command("xdg-desktop-menu forceupdate &> /dev/null");
+}
+
+static void install_below(const std::string& home) {
+  const std::string applications_dir = home + "/.local/share/applications";
+  const std::string icons_dir = home + "/.local/share/icons/hicolor/128x128/apps";
+  fs::create_directories(applications_dir);
+  fs::create_directories(icons_dir);
+  install_icon(get_executable_dir() + "/logo.png", icons_dir + "/corvana.png");
+
+  const std::string entry_path = applications_dir + "/Corvana.desktop";
+  const auto text = desktop_entry_text(choose_exec_path());
+  if (!text || !write_whole_file(entry_path, *text)) {
+    print_error_line("无法创建桌面入口文件: " + entry_path);
+    return;
+  }
+  chmod(entry_path.c_str(), 0755);
+  print_line("已创建桌面入口文件: " + entry_path);
+  refresh_menus(entry_path);
+  // Desktops that watch the directory need a moment before the window asks for its icon.
+  std::this_thread::sleep_for(std::chrono::seconds(1));
+}
+
+void install_desktop_entry() {
+  const char* const home = std::getenv("HOME");
+  if (home == nullptr || *home == '\0') {
+    print_error_line("无法获取HOME目录");
+  } else {
+    try {
+      install_below(home);
+    } catch (const std::exception& error) {
+      print_error_line(std::string("创建桌面入口文件过程中出错: ") + error.what());
+    }
+  }
+  desktop_entry_created = true;
+}

@@ -1,0 +1,68 @@
+#include "log_stream/utf8_repair.h"
+
+#include <cstdint>
+#include <cstring>
+#include <string_view>
+
+static constexpr char k_replacement[] = "\xEF\xBF\xBD";
+
+static bool is_continuation(char byte) { return (static_cast<unsigned char>(byte) & 0xC0) == 0x80; }
+
+// The length that a lead byte announces; 0 for a byte that can't lead.
+static size_t announced_length(unsigned char lead) {
+  if (lead == 0x00) return 0;
+  if (lead < 0x80) return 1;
+  if (lead < 0xC0) return 0;
+  if (lead < 0xE0) return 2;
+  if (lead < 0xF0) return 3;
+  if (lead < 0xF8) return 4;
+  return 0;
+}
+
+// The length of the good sequence at the start of `text`; 0 for a bad one.
+static size_t sequence_length(std::string_view text) {
+  const size_t length = announced_length(static_cast<unsigned char>(text.front()));
+  if (length > text.size()) return 0;
+  for (size_t index = 1; index < length; ++index) {
+    if (!is_continuation(text[index])) return 0;
+  }
+  return length;
+}
+
+// True when all eight bytes are in 1..127: logs are mostly ASCII, and this is most of the work.
+static bool is_ascii_word(const char* bytes) {
+  constexpr uint64_t ones = 0x0101010101010101;
+  constexpr uint64_t high_bits = 0x8080808080808080;
+  uint64_t word;
+  std::memcpy(&word, bytes, sizeof word);
+  return ((word | (word - ones)) & high_bits) == 0;
+}
+
+static size_t good_prefix_length(std::string_view text) {
+  size_t position = 0;
+  while (position < text.size()) {
+    if (position + 8 <= text.size() && is_ascii_word(text.data() + position)) {
+      position += 8;
+      continue;
+    }
+    const size_t length = sequence_length(text.substr(position));
+    if (length == 0) break;
+    position += length;
+  }
+  return position;
+}
+
+std::string repair_utf8(std::string text) {
+  size_t good = good_prefix_length(text);
+  if (good == text.size()) return text;
+  std::string repaired;
+  repaired.reserve(text.size() + text.size() / 2);
+  std::string_view rest = text;
+  while (good < rest.size()) {
+    repaired.append(rest.substr(0, good)).append(k_replacement);
+    rest.remove_prefix(good + 1);
+    good = good_prefix_length(rest);
+  }
+  repaired.append(rest);
+  return repaired;
+}

@@ -1,0 +1,118 @@
+#include "proxy_service/method_channel.h"
+
+#include <cstring>
+#include <exception>
+
+#include "core/core_binary.h"
+#include "core/core_name.h"
+#include "core/process_probe.h"
+#include "core/start_failures.h"
+#include "core/start_task.h"
+#include "core/stop_task.h"
+#include "core/workers.h"
+#include "proxy_service/diagnostics.h"
+#include "proxy_service/last_error.h"
+#include "proxy_service/task_state.h"
+#include "proxy_service/text_value.h"
+
+static FlValue* check_vpn_is_open(FlValue*) {
+  return fl_value_new_bool(is_process_running(k_core_name));
+}
+
+static FlValue* start_vpn(FlValue* args) {
+  if (find_zant_binary().empty()) {
+    record_core_missing_at_once();
+    publish_task_result(false);
+    return fl_value_new_bool(false);
+  }
+  clear_last_error();
+  fl_value_ref(args);
+  begin_task();
+  const bool handed_over = start_worker([args] { start_vpn_thread(args); });
+  if (!handed_over) {
+    fl_value_unref(args);
+    record_thread_failed();
+    publish_task_result(false);
+  }
+  return fl_value_new_bool(handed_over);
+}
+
+// The reply is false also when the stop will succeed: the user interface looks at the task state.
+static FlValue* stop_vpn(FlValue*) {
+  begin_task();
+  if (!start_worker(stop_vpn_thread)) {
+    record_thread_failed();
+    publish_task_result(false);
+  }
+  return fl_value_new_bool(false);
+}
+
+static FlValue* task_status(FlValue*) {
+  // The probe takes long, so it comes before the lock on the flags.
+  const bool core_runs = is_process_running(k_core_name);
+  const TaskState state = read_task_state();
+  FlValue* const status = fl_value_new_map();
+  fl_value_set_string_take(status, "isComplete", fl_value_new_bool(state.complete));
+  fl_value_set_string_take(status, "taskResult", fl_value_new_bool(state.result));
+  fl_value_set_string_take(status, "vpnStatus", fl_value_new_bool(core_runs));
+  return status;
+}
+
+static FlValue* last_error(FlValue*) {
+  const LastError error = read_last_error();
+  FlValue* const record = fl_value_new_map();
+  set_text(record, "code", error.code);
+  set_text(record, "message", error.message);
+  set_text(record, "logTail", error.log_tail);
+  return record;
+}
+
+static FlValue* diagnostics(FlValue*) { return collect_diagnostics(); }
+
+// The log stream always runs when it is listened to; the method is kept for user interfaces that
+// still call it.
+static FlValue* set_log_enabled(FlValue*) { return fl_value_new_bool(true); }
+
+namespace {
+
+struct Method {
+  const char* name;
+  FlValue* (*answer)(FlValue* args);  // the caller owns the reply value
+};
+
+}  // namespace
+
+static constexpr Method k_methods[] = {
+    {"checkVpnIsOpen", check_vpn_is_open},
+    {"startVPN", start_vpn},
+    {"stopVPN", stop_vpn},
+    {"checkTaskComplete", task_status},
+    {"getTaskResult", task_status},
+    {"getLastError", last_error},
+    {"getDiagnostics", diagnostics},
+    {"setLogEnabled", set_log_enabled},
+};
+
+static FlMethodResponse* success(FlValue* (*answer)(FlValue*), FlValue* args) {
+  g_autoptr(FlValue) result = nullptr;
+  try {
+    result = answer(args);
+  } catch (const std::exception&) {
+    // Out of memory. A null tells the user interface that there is no answer this time.
+    result = fl_value_new_null();
+  }
+  return FL_METHOD_RESPONSE(fl_method_success_response_new(result));
+}
+
+static FlMethodResponse* respond_to(const char* name, FlValue* args) {
+  for (const Method& method : k_methods) {
+    if (std::strcmp(name, method.name) == 0) return success(method.answer, args);
+  }
+  return FL_METHOD_RESPONSE(fl_method_not_implemented_response_new());
+}
+
+void method_call_handler(FlMethodChannel*, FlMethodCall* method_call, gpointer) {
+  g_autoptr(FlMethodResponse) response =
+      respond_to(fl_method_call_get_name(method_call), fl_method_call_get_args(method_call));
+  fl_method_call_respond(method_call, response, nullptr);
+}

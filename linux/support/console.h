@@ -1,0 +1,11 @@
+#ifndef CORVANA_SUPPORT_CONSOLE_H_
+#define CORVANA_SUPPORT_CONSOLE_H_
+
+#include <string>
+
+// Both write `line` (UTF-8, may hold line feeds of its own) and a line feed to their stream as one
+// piece and flush it. A stream that can't be written to is no error. Any thread.
+void print_line(const std::string& line);
+void print_error_line(const std::string& line);
+
+#endif

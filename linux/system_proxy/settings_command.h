@@ -1,0 +1,21 @@
+#ifndef CORVANA_SYSTEM_PROXY_SETTINGS_COMMAND_H_
+#define CORVANA_SYSTEM_PROXY_SETTINGS_COMMAND_H_
+
+#include <string>
+#include <vector>
+
+enum class PortField { none, http, socks };
+
+// One line of a desktop's settings: a shell command in which "%s" stands for the desktop's own tool
+// and "%d" for the port that `port` names.
+struct SettingsCommand {
+  const char* format;
+  PortField port = PortField::none;
+};
+
+// Runs the commands through the shell, one after the other, whatever becomes of each. Ports are
+// written as given, without a range check. Blocks until the last has ended. Any thread.
+void run_settings_commands(const std::vector<SettingsCommand>& commands, int http_port,
+                           int socks_port, const std::string& tool = "");
+
+#endif

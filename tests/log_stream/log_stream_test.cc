@@ -1,0 +1,150 @@
+#include "log_stream/log_stream.h"
+
+#include <gtest/gtest.h>
+#include <stdlib.h>
+#include <unistd.h>
+
+#include <filesystem>
+#include <fstream>
+
+#include "core/runtime_dir.h"
+#include "flutter_embedding/ui_channel.h"
+#include "support/channel_client.h"
+#include "support/temporary_home.h"
+
+using namespace std::chrono_literals;
+static const char k_channel[] = "com.corvana.channel/log_stream";
+
+class LogStream : public testing::Test {
+ protected:
+  LogStream() : log_(runtime_log_path()) { open_log_stream(client_.messenger()); }
+
+  void listen() {
+    ui_listen(client_.messenger(), k_channel,
+              [this](FlValue* event) { events_.push_back(fl_value_get_string(event)); });
+  }
+
+  // The events of a few ticks, which end before `limit` only when there are `count`.
+  std::vector<std::string> next_events(size_t count, std::chrono::milliseconds limit = 3000ms) {
+    run_main_loop_until([&] { return events_.size() >= count; }, limit);
+    return std::exchange(events_, {});
+  }
+
+  void append(const std::string& text) { std::ofstream(log_, std::ios::app) << text; }
+
+  const TemporaryHome home_;
+  ChannelClient client_;
+  const std::string log_;
+  std::vector<std::string> events_;
+};
+
+using Events = std::vector<std::string>;
+
+TEST_F(LogStream, FollowsTheLogFromItsBeginning) {
+  append("1\n2\r\n\n\r\n3");
+  listen();
+  EXPECT_EQ(next_events(2), Events({"__clear__", "1\n2"}));
+  EXPECT_EQ(next_events(1, 600ms), Events()) << "the third line has no end yet";
+  append("3\n\xFF\xE4\xB8\n");
+  EXPECT_EQ(next_events(1), Events({"33\n\xEF\xBF\xBD\xEF\xBF\xBD\xEF\xBF\xBD"}));
+  append(std::string("a\0b\nc\n", 6));
+  EXPECT_EQ(next_events(1), Events({"a\xEF\xBF\xBD"
+                                    "b\nc"}));
+}
+
+TEST_F(LogStream, StartsOverWhenTheLogShrinks) {
+  listen();
+  EXPECT_EQ(next_events(1), Events({"__clear__"})) << "before there is a log";
+  append("a long first line\nunfinis");
+  EXPECT_EQ(next_events(1), Events({"a long first line"}));
+  write_file(log_, "new\n");
+  EXPECT_EQ(next_events(2), Events({"__clear__", "new"}));
+  std::filesystem::resize_file(log_, 50 * 1024 * 1024 + 1);
+  append("\nunseen\n");
+  EXPECT_EQ(next_events(1, 800ms), Events()) << "a log over 50 MiB is not followed";
+  write_file(log_, "");
+  append("x\n");
+  EXPECT_EQ(next_events(2), Events({"__clear__", "x"}));
+}
+
+TEST_F(LogStream, ReplaysALongLogInPieces) {
+  const std::string line = std::string(63, 'x') + "\n";
+  std::string text;
+  while (text.size() < 64 * 1024 - 10) text += line;
+  text += "across the border " + std::string(200 * 1024 - text.size() - 19, 'y') + "\n";
+  append(text);
+  const auto begun = std::chrono::steady_clock::now();
+  listen();
+  // The long line is complete only in the fourth piece, so two ticks in between have nothing.
+  Events events = next_events(3);
+  EXPECT_GT(std::chrono::steady_clock::now() - begun, 950ms);
+  ASSERT_EQ(events.size(), 3u);
+  EXPECT_EQ(events[1] + "\n" + events[2] + "\n", text);
+
+  text.clear();
+  while (text.size() < 200 * 1024) text += line;
+  write_file(log_, "");
+  append(text);
+  listen();
+  events = next_events(5);
+  ASSERT_EQ(events.size(), 5u);
+  EXPECT_EQ(events[1] + "\n" + events[2] + "\n" + events[3] + "\n" + events[4] + "\n", text);
+}
+
+TEST_F(LogStream, ListeningTwiceAndCancellingStartOver) {
+  append("1\nunfinished");
+  listen();
+  EXPECT_EQ(next_events(2), Events({"__clear__", "1"}));
+  listen();
+  append("\n");
+  EXPECT_EQ(next_events(2), Events({"__clear__", "1\nunfinished"}));
+  EXPECT_EQ(next_events(1, 600ms), Events()) << "a second timer would read again";
+  ui_cancel(client_.messenger(), k_channel);
+  run_main_loop_until([] { return false; }, 50ms);
+  append("2\n");
+  EXPECT_EQ(next_events(1, 600ms), Events());
+  listen();
+  EXPECT_EQ(next_events(2), Events({"__clear__", "1\nunfinished\n2"}));
+}
+
+static size_t resident_bytes() {
+  size_t total = 0, resident = 0;
+  std::ifstream("/proc/self/statm") >> total >> resident;
+  return resident * static_cast<size_t>(getpagesize());
+}
+
+// The sanitizers keep freed memory, so that under them its growth tells nothing.
+#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
+static constexpr bool k_memory_tells = false;
+#else
+static constexpr bool k_memory_tells = true;
+#endif
+
+// Numbered lines through one listening host, in restarts of the file: each arrives once, in order.
+TEST_F(LogStream, LosesAndRepeatsNothingInTheLongRun) {
+  const bool is_long = std::getenv("CORVANA_LONG_TESTS") != nullptr;
+  const size_t restarts = is_long ? 100 : 2;
+  const size_t bytes_per_file = is_long ? 2 * 1024 * 1024 : 192 * 1024;
+  const std::string padding(100, '.');
+  size_t received = 0;
+  ui_listen(client_.messenger(), k_channel, [&](FlValue* event) {
+    for (const std::string& line : lines_of(fl_value_get_string(event))) {
+      if (line == "__clear__") continue;
+      ASSERT_EQ(line, std::to_string(received) + padding);
+      ++received;
+    }
+  });
+  size_t written = 0, memory_early = 0;
+  for (size_t restart = 0; restart < restarts; ++restart) {
+    write_file(log_, "");
+    run_main_loop_until([] { return false; }, 300ms);  // long enough for a tick to see it shrink
+    for (size_t bytes = 0; bytes < bytes_per_file; bytes += padding.size() + 8) {
+      append(std::to_string(written++) + padding + "\n");
+    }
+    ASSERT_TRUE(run_main_loop_until([&] { return received == written; }, 60s)) << received;
+    if (restart == (is_long ? 5u : 0u)) memory_early = resident_bytes();
+  }
+  if (k_memory_tells) {
+    EXPECT_LT(resident_bytes(), memory_early + 4 * 1024 * 1024);
+  }
+}

@@ -1,0 +1,271 @@
+#include <dlfcn.h>
+#include <gtest/gtest.h>
+#include <pthread.h>
+#include <stdlib.h>
+
+#include <atomic>
+#include <cerrno>
+#include <filesystem>
+
+#include "core/process_probe.h"
+#include "core/workers.h"
+#include "support/channel_client.h"
+#include "support/leaving.h"
+#include "support/temporary_home.h"
+
+using namespace std::chrono_literals;
+
+// In the place of the system's, so that a case can have no thread made.
+static std::atomic<bool> g_refuse_threads{false};
+extern "C" int pthread_create(pthread_t* thread, const pthread_attr_t* attributes,
+                              void* (*body)(void*), void* argument) {
+  if (g_refuse_threads) return EAGAIN;
+  static const auto real =
+      reinterpret_cast<decltype(&pthread_create)>(dlsym(RTLD_NEXT, "pthread_create"));
+  return real(thread, attributes, body, argument);
+}
+
+static const char k_config[] =
+    R"({"experimental": {"clash_api": {"external_controller": "127.0.0.1:9090"}},
+        "inbounds": [{"type": "mixed", "listen_port": 7890}]})";
+static const char k_no_error[] = "{code: , message: , logTail: }";
+
+static std::string error_reply(const std::string& code, const std::string& message,
+                               const std::string& log_tail) {
+  return "{code: " + code + ", message: " + message + ", logTail: " + log_tail + "}";
+}
+
+static std::string status_reply(bool complete, bool result, bool core_runs) {
+  const auto word = [](bool value) { return value ? "true" : "false"; };
+  return std::string("{isComplete: ") + word(complete) + ", taskResult: " + word(result) +
+         ", vpnStatus: " + word(core_runs) + "}";
+}
+
+class MethodChannel : public testing::Test {
+ protected:
+  MethodChannel() {
+    home_.add_recorders({"gsettings"});
+    setenv("XDG_CURRENT_DESKTOP", "GNOME", 1);
+    write_file("config.json", k_config);
+  }
+  ~MethodChannel() override {
+    begin_leaving();
+    wait_for_workers();
+    system("pkill -9 -f 'zant +run +-c'");
+  }
+
+  void use_sample_core() {
+    std::filesystem::copy_file(SAMPLE_CORE, home_.bin() + "/zant",
+                               std::filesystem::copy_options::overwrite_existing);
+  }
+  // A single process that looks like a core and does nothing.
+  void use_idle_core() {
+    home_.add_stand_in("zant", "#!/bin/bash\nexec -a \"zant $1 $2\" sleep 99\n");
+  }
+
+  std::string start(const std::string& config_path, int64_t mode = 1) {
+    g_autoptr(FlValue) args = fl_value_new_map();
+    fl_value_set_string_take(args, "configPath", fl_value_new_string(config_path.c_str()));
+    fl_value_set_string_take(args, "proxyMode", fl_value_new_int(mode));
+    return client_.call("startVPN", args);
+  }
+
+  // Polls as the user interface does, checks that the main thread is never held up, and gives the
+  // final status.
+  std::string finish() {
+    const auto deadline = std::chrono::steady_clock::now() + 30s;
+    std::string status;
+    do {
+      run_main_loop_until([] { return false; }, 20ms);
+      const auto asked = std::chrono::steady_clock::now();
+      client_.call("getLastError");
+      slowest_answer_ = std::max(slowest_answer_, std::chrono::steady_clock::now() - asked);
+      status = client_.call("checkTaskComplete");
+    } while (status.find("isComplete: true") == status.npos &&
+             std::chrono::steady_clock::now() < deadline);
+    return status;
+  }
+
+  std::string gnome_modes() const {
+    std::string modes;
+    for (const std::string& command : home_.recorded_commands()) {
+      const size_t mode = command.find(" mode ");
+      if (mode != command.npos) modes += command.substr(mode + 6) + ";";
+    }
+    return modes;
+  }
+
+  const TemporaryHome home_;
+  ChannelClient client_;
+  std::chrono::steady_clock::duration slowest_answer_{0};
+};
+
+TEST_F(MethodChannel, AnswersBeforeAnyTask) {
+  g_autoptr(FlValue) flag = fl_value_new_bool(false);
+  g_autoptr(FlValue) map = fl_value_new_map();
+  const struct {
+    const char* method;
+    FlValue* args;
+    std::string reply;
+  } rows[] = {
+      {"checkVpnIsOpen", nullptr, "false"},
+      {"checkTaskComplete", nullptr, status_reply(false, false, false)},
+      {"getTaskResult", map, status_reply(false, false, false)},
+      {"getLastError", flag, k_no_error},
+      {"setLogEnabled", nullptr, "true"},
+      {"setLogEnabled", flag, "true"},
+      {"setLogEnabled", map, "true"},
+      {"startvpn", nullptr, "not implemented"},
+      {"", nullptr, "not implemented"},
+  };
+  for (const auto& row : rows)
+    EXPECT_EQ(client_.call(row.method, row.args), row.reply) << row.method;
+}
+
+TEST_F(MethodChannel, RefusesAtOnceWithoutACore) {
+  EXPECT_EQ(start("config.json"), "false");
+  EXPECT_EQ(client_.call("checkTaskComplete"), status_reply(true, false, false));
+  const std::string message =
+      "未检测到 zant 二进制。\n请运行 install.sh 重新安装 Corvana，或 apt/dnf install sing-box。\n"
+      "支持位置：系统 PATH / ${app}/bin/zant / /opt/corvana/bin/zant / /usr/local/bin/zant\n"
+      "详细排错: linux/packaging/README.md";
+  EXPECT_EQ(message.size(), 237u);
+  EXPECT_EQ(client_.call("getLastError"), error_reply("core_missing", message, ""));
+}
+
+TEST_F(MethodChannel, ArgumentsOfTheWrongShapeMeanNoConfiguration) {
+  use_idle_core();
+  g_autoptr(FlValue) list = fl_value_new_list();
+  g_autoptr(FlValue) wrong_types = fl_value_new_map();
+  fl_value_set_string_take(wrong_types, "configPath", fl_value_new_int(1));
+  fl_value_set_string_take(wrong_types, "proxyMode", fl_value_new_string("4"));
+  fl_value_set_take(wrong_types, fl_value_new_int(1), fl_value_new_null());
+  const std::string failure = error_reply(
+      "config_failed",
+      "zant 配置文件不存在: \nDart 侧 ZantConfigBuilder 必须先写入 JSON 再调 startVPN。", "");
+  testing::internal::CaptureStdout();
+  testing::internal::CaptureStderr();
+  for (FlValue* const args : {static_cast<FlValue*>(nullptr), list, wrong_types}) {
+    EXPECT_EQ(client_.call("startVPN", args), "true");
+    EXPECT_EQ(finish(), status_reply(true, false, false));
+    EXPECT_EQ(client_.call("getLastError"), failure);
+  }
+  EXPECT_EQ(start("missing.json"), "true");
+  finish();
+  EXPECT_NE(client_.call("getLastError").find("不存在: missing.json\n"), std::string::npos);
+  EXPECT_EQ(testing::internal::GetCapturedStdout() + testing::internal::GetCapturedStderr(), "");
+}
+
+TEST_F(MethodChannel, FailuresOfACoreThatDoesNotComeUp) {
+  const struct {
+    const char* core;
+    const char* config;
+    const char* code;
+    std::string message;
+    std::string log_tail;
+    const char* console;
+  } rows[] = {
+      {"", k_config, "core_exec_failed",
+       "zant 进程未能启动。\n常见原因：glibc 版本不兼容 / 配置非法 / TUN 模式但无 CAP_NET_ADMIN。\n"
+       "建议：用 corvana-helper.service 跑（已自动持有 CAP_NET_ADMIN）。",
+       "sh: 1: nohup: not found\n", "[Corvana] zant 进程未启动\nsh: 1: nohup: not found\n\n"},
+      {"#!/bin/bash\necho $'de\\377af'; exec -a \"zant run -c\" sleep 99\n", k_config,
+       "port_not_ready",
+       "zant 已启动但 clash-api 端口 9090 在 4 秒内未监听。\n可能配置加载失败或端口被占用。",
+       "de\xEF\xBF\xBD"
+       "af\n",
+       "[Corvana] zant 端口未就绪\nde\xFF"
+       "af\n\n"},
+      {"#!/bin/bash\nexec -a \"zant run -c\" sleep 0.5\n", "{}", "port_not_ready",
+       "zant 已启动但 clash-api 端口 0 在 4 秒内未监听。\n可能配置加载失败或端口被占用。", "",
+       "[Corvana] 警告：无法从 JSON 解析 clash_api 端口，将仅基于进程存活判断成功\n"
+       "[Corvana] zant 端口未就绪\n\n"},
+  };
+  for (const auto& row : rows) {
+    home_.add_stand_in("zant", row.core);
+    write_file("config.json", row.config);
+    testing::internal::CaptureStderr();
+    // Of all the ways not to come up, a launch without its first command is over soonest.
+    const std::string path = getenv("PATH");
+    if (*row.core == '\0') setenv("PATH", home_.bin().c_str(), 1);
+    const std::string failure = error_reply(row.code, row.message, row.log_tail);
+    // A core that dies at once may still be caught alive by the first look at the processes.
+    for (int attempt = 0; attempt < 5 && client_.call("getLastError") != failure; ++attempt) {
+      testing::internal::GetCapturedStderr();
+      testing::internal::CaptureStderr();
+      EXPECT_EQ(start("config.json"), "true");
+      EXPECT_EQ(client_.call("getLastError"), k_no_error) << "emptied at once";
+      EXPECT_EQ(finish(), status_reply(true, false, false));
+    }
+    setenv("PATH", path.c_str(), 1);
+    EXPECT_EQ(testing::internal::GetCapturedStderr(), row.console);
+    EXPECT_EQ(client_.call("getLastError"), failure);
+    EXPECT_EQ(client_.call("getLastError"), failure) << "reading changes nothing";
+    EXPECT_EQ(gnome_modes(), "") << "a failed start leaves the proxy alone";
+  }
+}
+
+TEST_F(MethodChannel, StartsTwiceAndStopsWithACore) {
+  use_sample_core();
+  testing::internal::CaptureStdout();
+  EXPECT_EQ(start("config.json"), "true");
+  EXPECT_EQ(start("config.json", 4), "true");
+  EXPECT_EQ(client_.call("stopVPN"), "false") << "during the starts";
+  for (size_t most = 1000; most > 0 && home_.recorded_commands().size() < 9 + 8 + 8; --most)
+    finish();
+  EXPECT_TRUE(wait_for_workers());
+  EXPECT_EQ(finish(), status_reply(true, true, false));
+  const std::string launched = "[Corvana] 执行(zant): nohup " + home_.bin() +
+                               "/zant run -c config.json -D " + home_.path() +
+                               "/.local/share/Corvana/run > " + home_.path() +
+                               "/.local/share/Corvana/run/runtime.log 2>&1 &\n"
+                               "[Corvana] zant 启动成功，clash_api=9090 mixed=7890\n";
+  const std::string cleared = "[Corvana] 已清除系统代理 (DE=gnome)\n";
+  EXPECT_EQ(testing::internal::GetCapturedStdout(),
+            launched + "[Corvana] 已设置系统代理 (DE=gnome, HTTP=7890, SOCKS=7890)\n" + launched +
+                cleared + cleared + "已停止代理服务\n");
+  EXPECT_EQ(gnome_modes(), "manual;none;none;");
+  EXPECT_EQ(client_.call("getLastError"), k_no_error);
+  EXPECT_LT(slowest_answer_, 20ms);
+
+  testing::internal::CaptureStdout();
+  EXPECT_EQ(client_.call("stopVPN"), "false");
+  EXPECT_EQ(finish(), status_reply(true, true, false));
+  EXPECT_EQ(testing::internal::GetCapturedStdout(), "代理服务未运行\n");
+}
+
+TEST_F(MethodChannel, WithoutPortsACoreThatLivesIsASuccess) {
+  use_idle_core();
+  write_file("config.json", "{}");
+  testing::internal::CaptureStdout();
+  EXPECT_EQ(start("config.json"), "true");
+  EXPECT_EQ(finish(), status_reply(true, true, true));
+  EXPECT_NE(testing::internal::GetCapturedStdout().find("clash_api=0 mixed=0\n"),
+            std::string::npos);
+  EXPECT_EQ(gnome_modes(), "");
+  EXPECT_EQ(client_.call("checkVpnIsOpen"), "true");
+}
+
+TEST_F(MethodChannel, AProcessThatOnlyLooksLikeACoreSurvivesTheStop) {
+  home_.add_stand_in("decoy", "#!/bin/bash\nexec -a zant sleep 99\n");
+  system("decoy & sleep 0.3");
+  testing::internal::CaptureStdout();
+  testing::internal::CaptureStderr();
+  EXPECT_EQ(client_.call("stopVPN"), "false");
+  EXPECT_EQ(finish(), status_reply(true, false, true));
+  EXPECT_EQ(testing::internal::GetCapturedStdout(), "[Corvana] 已清除系统代理 (DE=gnome)\n");
+  EXPECT_EQ(testing::internal::GetCapturedStderr(),
+            "停止代理服务失败，尝试强制终止...\n无法终止代理服务\n");
+  system("pkill -9 -x sleep");
+}
+
+TEST_F(MethodChannel, ATaskWithoutAThreadIsAFailedTask) {
+  use_idle_core();
+  g_refuse_threads = true;
+  for (const char* const method : {"startVPN", "stopVPN"}) {
+    EXPECT_EQ(client_.call(method), "false");
+    EXPECT_EQ(client_.call("checkTaskComplete"), status_reply(true, false, false));
+    EXPECT_EQ(client_.call("getLastError").rfind("{code: thread_failed, message: 无法", 0), 0u);
+  }
+  g_refuse_threads = false;
+}
