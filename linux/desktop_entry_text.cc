@@ -63,10 +63,10 @@ std::optional<std::string> desktop_entry_text(const std::string& exec_path) {
 }
 
 std::string touch_command(const std::string& entry_path) {
-  std::string path = entry_path;
-  if (path.find_first_of(k_special_in_shell) != path.npos) {
-    g_autofree gchar* quoted = g_shell_quote(path.c_str());
-    path = quoted;
+  if (entry_path.find_first_of(k_special_in_shell) == entry_path.npos) {
+    return ("touch " + entry_path).substr(0, k_touch_buffer_size - 1);
   }
-  return ("touch " + path).substr(0, k_touch_buffer_size - 1);
+  // Never cut: the shell would complain about the missing end of the quotes.
+  g_autofree gchar* quoted = g_shell_quote(entry_path.c_str());
+  return std::string("touch ") + quoted;
 }

@@ -9,8 +9,8 @@
 // other stands as it is. Nothing when no entry can carry the path: it holds a line feed. Pure.
 std::optional<std::string> desktop_entry_text(const std::string& exec_path);
 
-// The shell command that touches the entry at `entry_path`, the path quoted only where it has to be.
-// Pure.
+// The shell command that touches the entry at `entry_path`, the path quoted only where it has to
+// be. Pure.
 std::string touch_command(const std::string& entry_path);
 
 #endif

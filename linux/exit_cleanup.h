@@ -3,9 +3,9 @@
 
 #include <glib.h>
 
-// Makes sure that no core outlives the host and no proxy that points at it: tells the workers to give
-// up, waits for them as long as there is hope, then takes back what is left. Blocks; running it again
-// is safe. Main thread.
+// Makes sure that no core outlives the host and no proxy that points at it: tells the workers to
+// give up, waits for them as long as there is hope, then takes back what is left. Blocks; running
+// it again is safe. Main thread.
 void leave_cleanly();
 
 // False when a worker was still running as leave_cleanly() gave up on it: the process must then end

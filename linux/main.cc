@@ -1,21 +1,17 @@
 #include <unistd.h>
 
 #include <csignal>
-#include <cstdio>
 
 #include "exit_cleanup.h"
 #include "my_application.h"
 
 int main(int argc, char** argv) {
-  // A console that has gone away must not end the host before it has taken the proxy back. A handler,
-  // not SIG_IGN: the programs that the host starts would inherit that.
+  // A console that has gone away must not end the host before it has taken the proxy back. A
+  // handler, not SIG_IGN: the programs that the host starts would inherit that.
   std::signal(SIGPIPE, [](int) {});
   MyApplication* const application = my_application_new();
   const int exit_status = g_application_run(G_APPLICATION(application), argc, argv);
   g_object_unref(application);
-  if (!have_workers_gone()) {
-    std::fflush(nullptr);
-    _exit(exit_status);
-  }
+  if (!have_workers_gone()) _exit(exit_status);
   return exit_status;
 }

@@ -1,5 +1,7 @@
 #include "core/start_failures.h"
 
+#include <exception>
+
 #include "proxy_service/last_error.h"
 #include "support/console.h"
 #include "support/files.h"
@@ -48,8 +50,12 @@ void record_port_not_ready(int clash_port, const std::string& log_path) {
 }
 
 void record_thread_failed() {
-  set_last_error("thread_failed",
-                 "无法为此操作创建后台线程，或后台线程意外结束。\n"
-                 "系统的内存或进程数可能已用尽，请关闭一些程序后重试。",
-                 "");
+  try {
+    set_last_error("thread_failed",
+                   "无法为此操作创建后台线程，或后台线程意外结束。\n"
+                   "系统的内存或进程数可能已用尽，请关闭一些程序后重试。",
+                   "");
+  } catch (const std::exception&) {
+    // The task still ends as failed; only the reason is missing.
+  }
 }

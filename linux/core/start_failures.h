@@ -3,8 +3,8 @@
 
 #include <string>
 
-// Each records why a start failed, for the user interface, and writes the console lines that go with
-// it. Paths are shown as given. Any thread.
+// Each records why a start failed, for the user interface, and writes the console lines that go
+// with it. Paths are shown as given. Any thread.
 
 void record_config_missing(const std::string& config_path);
 void record_core_missing();
@@ -14,7 +14,8 @@ void record_port_not_ready(int clash_port, const std::string& log_path);
 // The start was refused before any worker ran: says also where to read on.
 void record_core_missing_at_once();
 
-// No thread could be made for a task, or its worker ended in an exception.
+// No thread could be made for a task, or its worker ended in an exception. Lets none out itself:
+// where memory has run out, the record stays as it is.
 void record_thread_failed();
 
 #endif

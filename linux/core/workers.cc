@@ -4,7 +4,6 @@
 #include <condition_variable>
 #include <exception>
 #include <mutex>
-#include <system_error>
 #include <thread>
 
 #include "support/shell_command.h"
@@ -15,8 +14,8 @@ using namespace std::chrono_literals;
 static constexpr auto k_hopeless_silence = 8s;
 static constexpr auto k_check_interval = 200ms;
 
-// g_workers_mutex owns both numbers, the condition tells of each change. Workers are numbered from 0
-// as they are started, and the one whose number is g_workers_finished has its turn.
+// g_workers_mutex owns both numbers, the condition tells of each change. Workers are numbered from
+// 0 as they are started, and the one whose number is g_workers_finished has its turn.
 static std::mutex g_workers_mutex;
 static std::condition_variable g_worker_finished;
 static unsigned long g_workers_started = 0;
@@ -51,7 +50,7 @@ bool start_worker(std::function<void()> work) {
     }).detach();
     ++g_workers_started;
     return true;
-  } catch (const std::system_error&) {
+  } catch (const std::exception&) {
     return false;
   }
 }

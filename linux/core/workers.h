@@ -4,8 +4,9 @@
 #include <functional>
 
 // Runs `work` on a detached thread of its own, once all that was started before has ended: a mutex
-// alone would let waiting tasks overtake each other, and a person's last wish must win. False when no thread can be made; then `work` has not
-// run and never will. An exception that `work` lets out ends that work and nothing else. Main thread.
+// alone would let waiting tasks overtake each other, and a person's last wish must win. False when
+// no thread can be made; then `work` has not run and never will. An exception that `work` lets out
+// ends that work and nothing else. Main thread.
 bool start_worker(std::function<void()> work);
 
 // Waits until no worker runs any more. False when some have shown no sign of life for so long that

@@ -17,7 +17,8 @@ std::string take_complete_lines(std::string& unfinished, std::string_view bytes)
     } else {
       unfinished.append(bytes.substr(0, end));
       append_line(batch, unfinished);
-      unfinished.clear();
+      // Not clear(): one endless line would keep its memory for as long as the host runs.
+      unfinished = std::string();
     }
     bytes.remove_prefix(end + 1);
     end = bytes.find('\n');

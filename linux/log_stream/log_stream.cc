@@ -16,8 +16,8 @@
 #include "support/unique_fd.h"
 
 static constexpr guint k_poll_interval_ms = 250;
-static constexpr int64_t k_most_bytes_per_tick = 64 * 1024;
-static constexpr int64_t k_largest_log = 50 * 1024 * 1024;
+static constexpr int64_t k_most_bytes_per_tick = int64_t{64} * 1024;
+static constexpr int64_t k_largest_log = int64_t{50} * 1024 * 1024;
 static constexpr char k_clear_event[] = "__clear__";
 
 // All of it belongs to the main thread.
@@ -27,15 +27,24 @@ static int64_t g_log_file_pos = 0;
 static std::string g_log_line_buf;  // the start of a line whose line feed hasn't arrived yet
 static guint g_log_timer_id = 0;
 
+// Overlong forms and surrogates have the shape of UTF-8, but the channel can't carry them, and
+// the whole event would be lost.
+static FlValue* new_text_event(const std::string& text) {
+  const auto size = static_cast<gssize>(text.size());
+  if (g_utf8_validate(text.data(), size, nullptr)) return fl_value_new_string(text.c_str());
+  g_autofree gchar* valid = g_utf8_make_valid(text.data(), size);
+  return fl_value_new_string(valid);
+}
+
 static void send_event(const std::string& text) {
   if (g_log_event_channel == nullptr) return;
-  g_autoptr(FlValue) event = fl_value_new_string(text.c_str());
+  g_autoptr(FlValue) event = new_text_event(text);
   fl_event_channel_send(g_log_event_channel, event, nullptr, nullptr);
 }
 
 static void rewind_log() {
   g_log_file_pos = 0;
-  g_log_line_buf.clear();
+  g_log_line_buf = std::string();
 }
 
 static void stop_timer() {
@@ -91,7 +100,11 @@ FlMethodErrorResponse* log_stream_listen_cb(FlEventChannel*, FlValue*, gpointer)
   send_event(k_clear_event);
   stop_timer();
   g_log_timer_id = g_timeout_add(k_poll_interval_ms, log_stream_poll_cb, nullptr);
-  print_line("log_stream listen - started, log: " + runtime_log_path());
+  try {
+    print_line("log_stream listen - started, log: " + runtime_log_path());
+  } catch (const std::exception&) {
+    // Out of memory: the stream runs, only the line is missing.
+  }
   return nullptr;
 }
 

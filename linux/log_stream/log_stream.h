@@ -5,8 +5,8 @@
 
 // Follows the core's log for the user interface. All of this runs on the main thread.
 
-// Opens the event channel on `messenger` and installs the two handlers. Does nothing the second time:
-// the channel is kept for the life of the process. Borrows `messenger`.
+// Opens the event channel on `messenger` and installs the two handlers. Does nothing the second
+// time: the channel is kept for the life of the process. Borrows `messenger`.
 void open_log_stream(FlBinaryMessenger* messenger);
 
 // Starts over from the beginning of the log: sends "__clear__", then every 250 ms the new complete

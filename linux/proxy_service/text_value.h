@@ -6,8 +6,8 @@
 #include <string>
 
 // Inserts `bytes` as a string under `key` into `map`. Paths, the core's output and the environment
-// may hold anything: what is not UTF-8, and each NUL, arrives as U+FFFD, since one bad byte would make
-// the whole reply unreadable. Borrows `map`. Any thread.
+// may hold anything: what is not UTF-8, and each NUL, arrives as U+FFFD, since one bad byte would
+// make the whole reply unreadable. Borrows `map`. Any thread.
 void set_text(FlValue* map, const char* key, const std::string& bytes);
 
 #endif

@@ -1,18 +1,19 @@
 #include "support/files.h"
 
 #include <fcntl.h>
-#include <sys/stat.h>
 
 #include <cerrno>
 #include <cstring>
 #include <deque>
 #include <filesystem>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 #include "support/unique_fd.h"
 
-static constexpr size_t k_chunk_size = 64 * 1024;
+static constexpr size_t k_chunk_size = size_t{64} * 1024;
+static constexpr size_t k_longest_text = size_t{64} * 1024 * 1024;
 
 bool path_exists(const std::string& path) {
   std::error_code error;
@@ -38,7 +39,9 @@ std::optional<std::string> read_whole_file(const std::string& path) {
   if (!file) return std::nullopt;
   std::string text;
   std::vector<char> chunk(k_chunk_size);
-  while (const size_t count = read_chunk(file.get(), chunk.data(), chunk.size())) {
+  while (text.size() < k_longest_text) {
+    const size_t count = read_chunk(file.get(), chunk.data(), chunk.size());
+    if (count == 0) break;
     text.append(chunk.data(), count);
   }
   return text;

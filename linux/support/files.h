@@ -11,15 +11,16 @@
 // a parent, a loop of links, a name too long) counts as nothing there.
 bool path_exists(const std::string& path);
 
-// The whole file, or nothing when it can't be opened. A read error ends the text early.
+// The file's text, or nothing when it can't be opened. A read error ends the text early, and so
+// does the limit of 64 MiB: a device in the file's place may have no end.
 std::optional<std::string> read_whole_file(const std::string& path);
 
 // Replaces the file's content, creating it when needed. False when it can't be opened; a write that
 // fails later (a full disk) is not reported.
 bool write_whole_file(const std::string& path, const std::string& text);
 
-// The last `max_lines` lines of the file, each followed by one line feed, also where the file's last
-// line has none. "" when the file can't be opened. Memory is bounded by those lines.
+// The last `max_lines` lines of the file, each followed by one line feed, also where the file's
+// last line has none. "" when the file can't be opened. Memory is bounded by those lines.
 std::string read_file_tail(const std::string& path, size_t max_lines);
 
 #endif

@@ -6,11 +6,12 @@
 #include <string>
 
 // All of these block the calling thread until the shell has ended, and may be called on any thread.
+// Once the host is leaving, a command that gives no answer for seconds is ended with all that it
+// started, so that a hung desktop tool can't hold the exit.
 
 // Hands `text` to "/bin/sh -c" and waits. The result is that of the C library's `system`: a wait
 // status, -1 when no process could be made, exit status 127 when there is no shell. Unlike `system`
-// it leaves the process's signals alone. Once the host is leaving, a command that gives no answer
-// for seconds is ended with all that it started, so that a hung desktop tool can't hold the exit.
+// it leaves the process's signals alone.
 int run_shell_command(const std::string& text);
 
 // True when `text` ends with exit status 0.

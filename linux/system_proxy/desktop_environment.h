@@ -3,9 +3,9 @@
 
 #include <string>
 
-// Names the desktop that the user runs: "gnome", "kde", "xfce", "mate", "lxde" or "other". Found out
-// afresh each time, from the session's environment or else from the processes that run; may block
-// for one shell. Any thread.
+// Names the desktop that the user runs: "gnome", "kde", "xfce", "mate", "lxde" or "other". Found
+// out afresh each time, from the session's environment or else from the processes that run; may
+// block for one shell. Any thread.
 std::string detect_desktop_environment();
 
 // The same from the text of XDG_CURRENT_DESKTOP or DESKTOP_SESSION, in any letter case; "" when it

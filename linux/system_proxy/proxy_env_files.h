@@ -9,8 +9,8 @@
 // disable.
 void write_systemd_environment_dropin(int http_port, int socks_port, bool enable);
 
-// ~/.config/corvana/proxy.sh, to be sourced into a shell, never executable; unsets the variables when
-// disabled.
+// ~/.config/corvana/proxy.sh, to be sourced into a shell, never executable; unsets the variables
+// when disabled.
 void write_proxy_env_file(int http_port, int socks_port, bool enable);
 
 #endif

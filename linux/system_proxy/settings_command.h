@@ -13,9 +13,15 @@ struct SettingsCommand {
   PortField port = PortField::none;
 };
 
-// Runs the commands through the shell, one after the other, whatever becomes of each. Ports are
-// written as given, without a range check. Blocks until the last has ended. Any thread.
-void run_settings_commands(const std::vector<SettingsCommand>& commands, int http_port,
-                           int socks_port, const std::string& tool = "");
+struct SettingsCommands {
+  std::vector<SettingsCommand> enable;
+  std::vector<SettingsCommand> disable;
+};
+
+// Runs one direction's commands through the shell, one after the other, whatever becomes of each.
+// Enabling stops between two commands when the host begins to leave. Ports are written as given,
+// without a range check. Blocks until the last has ended. Any thread.
+void run_settings_commands(const SettingsCommands& commands, int http_port, int socks_port,
+                           bool enable, const std::string& tool = "");
 
 #endif

@@ -8,7 +8,8 @@
 // Points the desktop at 127.0.0.1 with these ports.
 void apply_system_proxy(int http_port, int socks_port);
 
-// Takes back all that apply_system_proxy sets.
+// Switches the proxy off everywhere that apply_system_proxy switches it on. Lists of hosts without
+// proxy, and XFCE's property, keep their last values.
 void clear_system_proxy();
 
 #endif

@@ -4,15 +4,17 @@
 #include "system_proxy/gnome_proxy.h"
 #include "system_proxy/settings_command.h"
 
-static const std::vector<SettingsCommand> k_enable_commands = {
-    {"xfconf-query -c xfce4-session -p /general/ProxyHTTP -n -t string -s '127.0.0.1' -t int -s %d"
-     " --create >/dev/null 2>&1",
-     PortField::http},
-};
+static const SettingsCommands k_commands = {
+    {
+        {"xfconf-query -c xfce4-session -p /general/ProxyHTTP -n -t string -s '127.0.0.1'"
+         " -t int -s %d --create >/dev/null 2>&1",
+         PortField::http},
+    },
+    {}};
 
 bool apply_proxy_xfce(int http_port, int socks_port, bool enable) {
   if (!has_command("xfconf-query")) return false;
-  if (enable) run_settings_commands(k_enable_commands, http_port, socks_port);
+  run_settings_commands(k_commands, http_port, socks_port, enable);
   apply_proxy_gnome(http_port, socks_port, enable);
   return true;
 }

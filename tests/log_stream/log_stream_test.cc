@@ -50,6 +50,9 @@ TEST_F(LogStream, FollowsTheLogFromItsBeginning) {
   append(std::string("a\0b\nc\n", 6));
   EXPECT_EQ(next_events(1), Events({"a\xEF\xBF\xBD"
                                     "b\nc"}));
+  append("\xC1\xAA\xCD\xA8\n");
+  EXPECT_EQ(next_events(1), Events({"\xEF\xBF\xBD\xEF\xBF\xBD\xCD\xA8"}))
+      << "of the shape of UTF-8, but no channel carries it";
 }
 
 TEST_F(LogStream, StartsOverWhenTheLogShrinks) {

@@ -4,8 +4,9 @@
 #include <string>
 #include <vector>
 
-// A new directory that is the process's HOME and working directory for the length of a test, with an
-// empty session environment and a "bin" in front of PATH for stand-in programs. Removed at the end.
+// A new directory that is the process's HOME and working directory for the length of a test, with
+// an empty session environment and a "bin" in front of PATH for stand-in programs. Removed at the
+// end.
 class TemporaryHome {
  public:
   TemporaryHome();
