@@ -63,6 +63,18 @@ FlMethodResponse* decode_error(MessageReader& reader, GError** error) {
                                    message == nullptr ? nullptr : message->c_str(), details.get()));
 }
 
+// Hosts read the name as a C string: what follows a zero byte would silently be cut off, and
+// another method be called.
+ValueRef read_method_name(MessageReader& reader, GError** error) {
+  ValueRef name = read_string(reader, error);
+  if (name != nullptr && std::get<std::string>(name->content).find('\0') != std::string::npos) {
+    g_set_error(error, codec_error_quark(), CODEC_ERROR_ZERO_IN_NAME,
+                "The method's name contains a zero byte");
+    return nullptr;
+  }
+  return name;
+}
+
 }  // namespace
 
 GBytes* encode_value(const FlValue* value, GError** error) {
@@ -88,7 +100,7 @@ GBytes* encode_method_call(const std::string& name, const FlValue* args, GError*
 
 bool decode_method_call(GBytes* message, DecodedCall* call, GError** error) {
   MessageReader reader = reader_of(message);
-  const ValueRef name = read_string(reader, error);
+  const ValueRef name = read_method_name(reader, error);
   ValueRef args = name == nullptr ? nullptr : read_value(reader, error);
   if (args == nullptr || !expect_end(reader, error)) {
     return false;

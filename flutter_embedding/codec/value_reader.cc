@@ -4,6 +4,7 @@
 
 #include "flutter_embedding/codec/codec_error.h"
 #include "flutter_embedding/codec/wire_format.h"
+#include "flutter_embedding/values/value_index.h"
 
 namespace {
 
@@ -138,16 +139,22 @@ ValueRef read_map(MessageReader& reader, int depth, GError** error) {
   if (!read_size(reader, &count, error)) {
     return nullptr;
   }
-  ValueRef map(fl_value_new_map());
+  ValueMap entries;
+  ValueIndex index;
   for (size_t i = 0; i < count; ++i) {
     ValueRef key = read_nested(reader, depth + 1, error);
     ValueRef value = key == nullptr ? nullptr : read_nested(reader, depth + 1, error);
     if (value == nullptr) {
       return nullptr;
     }
-    fl_value_set_take(map.get(), key.release(), value.release());
+    const auto [found, is_new] = index.try_emplace(key.get(), entries.size());
+    if (is_new) {
+      entries.emplace_back(std::move(key), std::move(value));
+    } else {
+      entries[found->second].second = std::move(value);
+    }
   }
-  return map;
+  return value_new(std::move(entries));
 }
 
 ValueRef read_nested(MessageReader& reader, int depth, GError** error) {

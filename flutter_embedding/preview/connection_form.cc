@@ -1,6 +1,7 @@
 #include "flutter_embedding/preview/connection_form.h"
 
 #include "flutter_embedding/preview/default_config.h"
+#include "flutter_embedding/preview/guarded.h"
 #include "flutter_embedding/preview/widgets.h"
 
 namespace preview {
@@ -30,7 +31,7 @@ void take_chosen_file(GtkNativeDialog* chooser, int response, gpointer entry) {
                               : nullptr;
   if (path == nullptr) return;
   g_autofree char* utf8 = g_filename_display_name(path);
-  show_path(GTK_ENTRY(entry), utf8);
+  run_guarded([&] { show_path(GTK_ENTRY(entry), utf8); });
 }
 
 void add_file_filter(GtkFileChooser* chooser, const char* name, const char* pattern) {

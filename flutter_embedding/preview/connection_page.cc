@@ -17,12 +17,15 @@ struct ConnectionPage {
   std::unique_ptr<ConnectionForm> form;
   std::unique_ptr<ProxyAddressPanel> address;
   std::unique_ptr<FailurePanel> failure;
+  GtkWidget* foreign_core_note;
   GtkWidget* widget;
   GtkWidget* connect;
   GtkWidget* disconnect;
 };
 
 namespace {
+
+constexpr char kForeignCore[] = "此核心由先前的会话启动，代理地址以其配置为准";
 
 bool is_failed(Phase phase) { return phase == Phase::start_failed || phase == Phase::stop_failed; }
 
@@ -52,7 +55,7 @@ GtkWidget* buttons_new(ConnectionPage* page) {
 // Long messages scroll instead of pushing the buttons out of the window.
 GtkWidget* scrolling_details_new(ConnectionPage* page) {
   GtkWidget* details = gtk_box_new(GTK_ORIENTATION_VERTICAL, kMargin);
-  for (GtkWidget* panel : {page->address->widget, page->failure->widget}) {
+  for (GtkWidget* panel : {page->address->widget, page->foreign_core_note, page->failure->widget}) {
     hide_until_wanted(panel);
     gtk_container_add(GTK_CONTAINER(details), panel);
   }
@@ -70,6 +73,7 @@ std::shared_ptr<ConnectionPage> connection_page_new(const Options& options,
   page->card = status_card_new();
   page->form = connection_form_new(options);
   page->address = proxy_address_panel_new();
+  page->foreign_core_note = value_label_new(kForeignCore);
   page->failure = failure_panel_new();
   page->widget = gtk_box_new(GTK_ORIENTATION_VERTICAL, kMargin);
   set_all_margins(page->widget, kMargin);
@@ -89,9 +93,11 @@ void connection_page_show(ConnectionPage* page, const ServiceStatus& status) {
   gtk_widget_set_sensitive(page->form->widget, can_connect(status.phase));
   gtk_widget_set_sensitive(page->connect, can_connect(status.phase));
   gtk_widget_set_sensitive(page->disconnect, can_disconnect(status));
-  gtk_widget_set_visible(page->address->widget, connected);
+  // The form may name another configuration than the one that a core found running uses.
+  gtk_widget_set_visible(page->address->widget, connected && status.started_here);
+  gtk_widget_set_visible(page->foreign_core_note, connected && !status.started_here);
   gtk_widget_set_visible(page->failure->widget, is_failed(status.phase));
-  if (connected) {
+  if (connected && status.started_here) {
     proxy_address_panel_show(*page->address,
                              mixed_port_of_file(connection_form_config(*page->form)),
                              connection_form_mode(*page->form));

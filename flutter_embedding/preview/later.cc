@@ -4,6 +4,8 @@
 
 #include <utility>
 
+#include "flutter_embedding/preview/guarded.h"
+
 namespace preview {
 namespace {
 
@@ -14,7 +16,7 @@ struct Delayed {
 
 gboolean run_delayed(gpointer data) {
   const auto* delayed = static_cast<const Delayed*>(data);
-  if (!delayed->life.expired()) delayed->task();
+  if (!delayed->life.expired()) run_guarded(delayed->task);
   return G_SOURCE_REMOVE;
 }
 

@@ -4,6 +4,7 @@
 #include <string_view>
 #include <utility>
 
+#include "flutter_embedding/preview/guarded.h"
 #include "flutter_embedding/preview/log_view_buffer.h"
 #include "flutter_embedding/preview/text_pane.h"
 #include "flutter_embedding/preview/widgets.h"
@@ -81,12 +82,12 @@ void person_scrolls(LogPage* page) {
 }
 
 gboolean on_scroll_event(GtkWidget*, GdkEvent*, gpointer page) {
-  person_scrolls(static_cast<LogPage*>(page));
+  run_guarded([page] { person_scrolls(static_cast<LogPage*>(page)); });
   return GDK_EVENT_PROPAGATE;
 }
 
 gboolean on_scroll_bar(GtkRange*, GtkScrollType, double, gpointer page) {
-  person_scrolls(static_cast<LogPage*>(page));
+  run_guarded([page] { person_scrolls(static_cast<LogPage*>(page)); });
   return GDK_EVENT_PROPAGATE;
 }
 
@@ -175,7 +176,5 @@ void log_page_listen(LogPage* page) {
     if (!life.expired()) take_event(page, event);
   });
 }
-
-void log_page_stop_listening(LogPage* page) { ui_cancel(page->messenger, kChannel); }
 
 }  // namespace preview

@@ -20,9 +20,8 @@ std::shared_ptr<LogPage> log_page_new(FlBinaryMessenger* messenger, const Life& 
 // Floating until a container takes it.
 GtkWidget* log_page_widget(const LogPage& page);
 
+// Lasts until the engine goes, which needs no cancelling: it forgets whom it would tell.
 void log_page_listen(LogPage* page);
-
-void log_page_stop_listening(LogPage* page);
 
 }  // namespace preview
 

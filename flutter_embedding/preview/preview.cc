@@ -35,12 +35,6 @@ void complain(const std::string& text) {
 
 void free_preview(gpointer data) { delete static_cast<Preview*>(data); }
 
-void end_life(Preview* preview) {
-  if (preview->life == nullptr) return;
-  preview->life.reset();
-  log_page_stop_listening(preview->log.get());
-}
-
 bool is_drawn(const Preview& preview) {
   if (gtk_stack_get_transition_running(preview.pages)) return false;
   return preview.options.page != "diagnostics" || diagnostics_page_is_loaded(*preview.diagnostics);
@@ -101,7 +95,7 @@ void make_root(Preview* preview) {
   gtk_widget_show_all(preview->root);
   gtk_stack_set_visible_child_name(preview->pages, preview->options.page.c_str());
   g_object_set_data_full(G_OBJECT(preview->root), "preview", preview, free_preview);
-  on_signal(preview->root, "destroy", [preview] { end_life(preview); });
+  on_signal(preview->root, "destroy", [preview] { preview->life.reset(); });
 }
 
 // Listening begins with the window and not with its log page: the stream replays a long log at a

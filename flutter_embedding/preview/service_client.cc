@@ -14,7 +14,8 @@ struct ServiceClient {
   ServiceStatus status;
   unsigned epoch =
       0;  // counts the tasks; an answer from before the latest one says nothing about it
-  unsigned contradictions = 0;  // answers in a row that the core's presence contradicts
+  // Answers in a row that the core's presence contradicts, or that say nothing at all.
+  unsigned contradictions = 0;
 
   ServiceClient(FlBinaryMessenger* the_messenger, Life the_life,
                 std::function<void(const ServiceStatus&)> callback)
@@ -37,6 +38,7 @@ constexpr unsigned kMostContradictions = 14;
 
 const Failure kNoReason = {"", "启动失败，后台服务没有给出原因。", ""};
 const Failure kNoAnswer = {"no_answer", "后台服务没有应答，请重新打开 Corvana。", ""};
+constexpr char kStopNeverRan[] = "thread_failed";
 const Failure kStopFailed = {
     "", "核心没有停止，它可能属于其他用户，或拒绝退出。\n系统代理已经恢复，可以稍后再试一次。", ""};
 
@@ -60,8 +62,9 @@ void set_phase(ServiceClient* client, Phase phase, Failure failure = {}) {
 void ask_later(ServiceClient* client) {
   const Phase phase = client->status.phase;
   const bool watches = phase == Phase::connected || phase == Phase::stop_failed;
-  if (!is_busy(phase) && !watches) return;
-  run_later(is_busy(phase) ? kBusyPollMilliseconds : kWatchMilliseconds, client->life,
+  const bool waits = is_busy(phase) || phase == Phase::checking;
+  if (!waits && !watches) return;
+  run_later(waits ? kBusyPollMilliseconds : kWatchMilliseconds, client->life,
             [client, epoch = client->epoch] {
               if (epoch == client->epoch) ask(client);
             });
@@ -73,13 +76,25 @@ void begin_task(ServiceClient* client, Phase phase) {
   set_phase(client, phase);
 }
 
-void fetch_failure(ServiceClient* client) {
+Failure failure_in(FlValue* record) {
+  return {string_at(record, "code").value_or(""), string_at(record, "message").value_or(""),
+          string_at(record, "logTail").value_or("")};
+}
+
+void fetch_start_failure(ServiceClient* client) {
   call(client, "getLastError", nullptr, [client](const UiReply& reply) {
-    Failure failure = {string_at(reply.value, "code").value_or(""),
-                       string_at(reply.value, "message").value_or(""),
-                       string_at(reply.value, "logTail").value_or("")};
+    Failure failure = failure_in(reply.value);
     if (failure.message.empty()) failure = kNoReason;
     set_phase(client, Phase::start_failed, std::move(failure));
+  });
+}
+
+// A stop records only that it never ran; any other record is that of an earlier start.
+void fetch_stop_failure(ServiceClient* client) {
+  call(client, "getLastError", nullptr, [client](const UiReply& reply) {
+    const Failure failure = failure_in(reply.value);
+    set_phase(client, Phase::stop_failed, failure.code == kStopNeverRan ? failure : kStopFailed);
+    ask_later(client);
   });
 }
 
@@ -95,26 +110,36 @@ void stop(ServiceClient* client) {
 
 void take_report(ServiceClient* client, const TaskReport& report) {
   const Phase now = client->status.phase;
-  if (is_busy(now) && report.is_complete) ++client->contradictions;
+  client->contradictions = is_busy(now) && report.is_complete ? client->contradictions + 1 : 0;
   const Phase next = next_phase(now, report, client->contradictions > kMostContradictions);
   const bool core_came_or_went = client->status.core_running != report.core_running;
   client->status.core_running = report.core_running;
 
-  if (next == Phase::start_failed && now != next) return fetch_failure(client);
+  if (next == Phase::start_failed && now != next) return fetch_start_failure(client);
+  if (next == Phase::stop_failed && now != next) return fetch_stop_failure(client);
   if (next == Phase::connected && client->status.stop_wanted) return stop(client);
   if (next != now) {
-    set_phase(client, next, next == Phase::stop_failed ? kStopFailed : Failure{});
+    client->status.started_here = next == Phase::connected && now == Phase::starting;
+    set_phase(client, next);
   } else if (core_came_or_went) {
     client->on_change(client->status);
   }
   ask_later(client);
 }
 
+// One missed answer says nothing about the task, which may still succeed.
+void take_silence(ServiceClient* client) {
+  if (++client->contradictions <= kMostContradictions) return ask_later(client);
+  const Phase now = client->status.phase;
+  const bool began = now == Phase::checking || now == Phase::starting;
+  set_phase(client, began ? Phase::start_failed : Phase::stop_failed, kNoAnswer);
+}
+
 void ask(ServiceClient* client) {
   call(client, "checkTaskComplete", nullptr, [client, epoch = client->epoch](const UiReply& reply) {
     if (epoch != client->epoch) return;
     const auto is_complete = bool_at(reply.value, "isComplete");
-    if (!is_complete) return set_phase(client, Phase::start_failed, kNoAnswer);
+    if (!is_complete) return take_silence(client);
     take_report(client, {*is_complete, bool_at(reply.value, "taskResult").value_or(false),
                          bool_at(reply.value, "vpnStatus").value_or(false)});
   });
@@ -141,7 +166,7 @@ void service_client_connect(ServiceClient* client, const std::string& config, Pr
       return set_phase(client, Phase::start_failed, kNoAnswer);
     const bool accepted =
         fl_value_get_type(reply.value) == FL_VALUE_TYPE_BOOL && fl_value_get_bool(reply.value);
-    if (!accepted) return fetch_failure(client);
+    if (!accepted) return fetch_start_failure(client);
     ask_later(client);
   });
 }

@@ -24,8 +24,9 @@ struct Failure {
 struct ServiceStatus {
   Phase phase = Phase::checking;
   bool core_running = false;
-  bool stop_wanted = false;  // asked for while a start runs; carried out when that start has ended
-  Failure failure;           // what went wrong, in the two failed phases
+  bool stop_wanted = false;   // asked for while a start runs; carried out when that start has ended
+  bool started_here = false;  // the core that is connected, by this window
+  Failure failure;            // what went wrong, in the two failed phases
 };
 
 // Starts and stops the proxy through the host and keeps an eye on it. It never has two tasks under

@@ -2,6 +2,8 @@
 
 #include <utility>
 
+#include "flutter_embedding/preview/guarded.h"
+
 namespace preview {
 namespace {
 
@@ -18,7 +20,7 @@ constexpr char kCopied[] = "已复制";
 
 using Handler = std::function<void()>;
 
-void run_handler(gpointer data) { (*static_cast<Handler*>(data))(); }
+void run_handler(gpointer data) { run_guarded(*static_cast<Handler*>(data)); }
 
 void free_handler(gpointer data, GClosure*) { delete static_cast<Handler*>(data); }
 

@@ -3,6 +3,7 @@
 #include <type_traits>
 
 #include "flutter_embedding/values/value.h"
+#include "flutter_embedding/values/value_index.h"
 
 namespace {
 
@@ -50,11 +51,18 @@ bool same_content(const ValueList& a, const ValueList& b) {
 }
 
 bool same_content(const ValueMap& a, const ValueMap& b) {
-  return a.size() == b.size() && std::all_of(a.begin(), a.end(), [&](const auto& entry) {
-           FlValue* other =
-               find_value(b, [&](FlValue* key) { return fl_value_equal(key, entry.first.get()); });
-           return other != nullptr && fl_value_equal(other, entry.second.get());
-         });
+  if (a.size() != b.size()) {
+    return false;
+  }
+  ValueIndex index_of_b;
+  for (size_t i = 0; i < b.size(); ++i) {
+    index_of_b.try_emplace(b[i].first.get(), i);
+  }
+  return std::all_of(a.begin(), a.end(), [&](const auto& entry) {
+    const auto found = index_of_b.find(entry.first.get());
+    return found != index_of_b.end() &&
+           fl_value_equal(b[found->second].second.get(), entry.second.get());
+  });
 }
 
 }  // namespace

@@ -58,6 +58,31 @@ TEST(StandardCodec, SizesTakeOneThreeOrFiveBytes) {
   }
 }
 
+// Equal keys can be written in different ways; the last value counts, in the first one's place.
+TEST(StandardCodec, AKeyThatComesAgainReplacesItsValue) {
+  const std::pair<Bytes, const char*> rows[] = {
+      {{13, 3, 3, 7, 0, 0, 0, 1, 0, 0, 4, 7, 0, 0, 0, 0, 0, 0, 0, 2}, "{7: false, null: null}"},
+      {{13, 2, 7, 1, 'a', 1, 7, 254, 1, 0, 'a', 2}, "{a: false}"},
+      {{13, 2, 12, 1, 7, 1, 'a', 1, 12, 1, 7, 254, 1, 0, 'a', 2}, "{[a]: false}"},
+      {{13, 2, 13, 2, 0, 1, 1, 2, 1, 13, 2, 1, 2, 0, 1, 2}, "{{null: true, true: false}: false}"},
+      {{13, 2, 9, 1, 5, 0, 0, 0, 1, 9, 1, 0, 5, 0, 0, 0, 2}, "{[5]: false}"},
+      // Zero has two signs and is one key.
+      {{13, 2, 6, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0,    0, 1,
+        6,  0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0x80, 2},
+       "{0: false}"},
+      {{13, 2, 3, 1, 0, 0, 0, 1, 6, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0xf0, 0x3f, 2},
+       "{1: true, 1: false}"},
+  };
+  for (const auto& [bytes, text] : rows) {
+    g_autoptr(GBytes) message = message_of(bytes);
+    g_autoptr(GError) error = nullptr;
+    const ValueRef value = decode_value(message, &error);
+    ASSERT_NE(value, nullptr) << text << ": " << error->message;
+    g_autofree gchar* value_text = fl_value_to_string(value.get());
+    EXPECT_STREQ(value_text, text);
+  }
+}
+
 TEST(StandardCodec, CallsAndReplies) {
   g_autoptr(GBytes) call = encode_method_call("go", nullptr, nullptr);
   EXPECT_EQ(bytes_of(call), (Bytes{7, 2, 'g', 'o', 0}));
@@ -92,6 +117,7 @@ TEST(StandardCodec, MalformedMessages) {
       {value, {7, 2, 0xc3, 0x28}, CODEC_ERROR_NOT_UTF8},
       {value, {7, 2, 0, 0xe4}, CODEC_ERROR_NOT_UTF8},
       {call, {7, 1, 'a', 0, 0}, CODEC_ERROR_TRAILING_BYTES},
+      {call, {7, 3, 'a', 0, 'b', 0}, CODEC_ERROR_ZERO_IN_NAME},
       {reply, {2, 0}, CODEC_ERROR_UNKNOWN_TYPE},
       {reply, {1, 0, 0, 0}, CODEC_ERROR_UNEXPECTED_TYPE},
       {reply, {1, 7, 1, 'c', 0}, CODEC_ERROR_TRUNCATED},

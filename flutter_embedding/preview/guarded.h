@@ -1,0 +1,13 @@
+#ifndef CORVANA_FLUTTER_EMBEDDING_PREVIEW_GUARDED_H_
+#define CORVANA_FLUTTER_EMBEDDING_PREVIEW_GUARDED_H_
+
+#include <functional>
+
+namespace preview {
+
+// Runs the task and reports what it throws, which must not pass through GLib. Any thread.
+void run_guarded(const std::function<void()>& task) noexcept;
+
+}  // namespace preview
+
+#endif  // CORVANA_FLUTTER_EMBEDDING_PREVIEW_GUARDED_H_
