@@ -29,6 +29,8 @@ static constexpr milliseconds k_patience_while_leaving{5000};
 // Where one tool hangs, its next calls hang too, and a leaving host can't be patient with each.
 static constexpr milliseconds k_patience_after_a_hang{1000};
 
+static constexpr int k_most_new_tries = 20;
+
 // Written by every thread that runs a command.
 static std::atomic<steady_clock::time_point> g_last_activity{steady_clock::now()};
 static std::atomic<bool> g_command_has_hung{false};
@@ -107,7 +109,14 @@ static int finish_shell(pid_t shell, Patience& patience) {
   return status;
 }
 
-int run_shell_command(const std::string& text) {
+// A Ctrl-C that comes before the new shell leads its own group ends it before it has done anything;
+// it was meant for the host, so the command is still owed.
+static bool has_ended_before_it_began(int status) {
+  return status != -1 && WIFSIGNALED(status) &&
+         (WTERMSIG(status) == SIGINT || WTERMSIG(status) == SIGHUP || WTERMSIG(status) == SIGTERM);
+}
+
+static int run_shell_once(const std::string& text) {
   pid_t shell = -1;
   const int error = spawn_shell(text, -1, shell);
   if (error == EAGAIN || error == ENOMEM) return -1;
@@ -116,22 +125,31 @@ int run_shell_command(const std::string& text) {
   return finish_shell(shell, patience);
 }
 
+int run_shell_command(const std::string& text) {
+  int status = run_shell_once(text);
+  for (int more = k_most_new_tries; has_ended_before_it_began(status) && more > 0; --more) {
+    status = run_shell_once(text);
+  }
+  return status;
+}
+
 bool shell_command_succeeds(const std::string& text) { return run_shell_command(text) == 0; }
 
-// Runs `command` and gives what it prints, until `is_enough` says so of the text so far.
-static std::string read_output(const std::string& command,
-                               const std::function<bool(const std::string&)>& is_enough) {
+using IsEnough = std::function<bool(const std::string& text_so_far)>;
+
+// Runs `command`, appends what it prints to `text` until that is enough, and gives its status.
+static int read_output_once(const std::string& command, const IsEnough& is_enough,
+                            std::string& text) {
   int ends[2];
   // Close-on-exec: a core that is launched meanwhile on another thread must not inherit the pipe.
-  if (pipe2(ends, O_CLOEXEC) != 0) return "";
-  std::string text;
+  if (pipe2(ends, O_CLOEXEC) != 0) return -1;
   pid_t shell = -1;
   Patience patience;
   {
     const UniqueFd output(ends[0]);
     {
       const UniqueFd input(ends[1]);
-      if (spawn_shell(command, input.get(), shell) != 0) return "";
+      if (spawn_shell(command, input.get(), shell) != 0) return -1;
     }
     char chunk[4096];
     while (!is_enough(text) && wait_until_readable(output.get(), patience)) {
@@ -140,7 +158,16 @@ static std::string read_output(const std::string& command,
       text.append(chunk, static_cast<size_t>(count));
     }
   }
-  finish_shell(shell, patience);
+  return finish_shell(shell, patience);
+}
+
+static std::string read_output(const std::string& command, const IsEnough& is_enough) {
+  std::string text;
+  int status = read_output_once(command, is_enough, text);
+  for (int more = k_most_new_tries; has_ended_before_it_began(status) && more > 0; --more) {
+    text.clear();
+    status = read_output_once(command, is_enough, text);
+  }
   return text;
 }
 
