@@ -7,7 +7,6 @@ extern "C" {
 
 #include <fcntl.h>
 #include <poll.h>
-#include <spawn.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -28,8 +27,6 @@ static constexpr milliseconds k_poll_interval{100};
 static constexpr milliseconds k_patience_while_leaving{5000};
 // Where one tool hangs, its next calls hang too, and a leaving host can't be patient with each.
 static constexpr milliseconds k_patience_after_a_hang{1000};
-
-static constexpr int k_most_new_tries = 20;
 
 // Written by every thread that runs a command.
 static std::atomic<steady_clock::time_point> g_last_activity{steady_clock::now()};
@@ -60,24 +57,34 @@ class Patience {
 
 }  // namespace
 
+// In the child of a process with threads: nothing but calls that are safe there. All signals are
+// blocked. A Ctrl-C that has come since the fork was meant for the host; ignoring it for a moment
+// throws it away, and from the new group on no more of them come.
+[[noreturn]] static void become_shell(const char* text, int output, const sigset_t& mask) {
+  setpgid(0, 0);
+  for (const int signal_number : {SIGINT, SIGHUP, SIGTERM, SIGQUIT}) {
+    const auto before = std::signal(signal_number, SIG_IGN);
+    if (before != SIG_IGN) std::signal(signal_number, SIG_DFL);
+  }
+  if (output >= 0) dup2(output, STDOUT_FILENO);
+  sigprocmask(SIG_SETMASK, &mask, nullptr);
+  execl("/bin/sh", "sh", "-c", text, nullptr);
+  _exit(127);
+}
+
 // The shell leads a process group of its own: a Ctrl-C in the host's terminal must not end the very
 // commands that take the proxy back, and a hung command can be ended with its children. Standard
-// output goes to `output`, or where the host's goes when that is -1.
-static int spawn_shell(const std::string& text, int output, pid_t& shell) {
-  posix_spawnattr_t attributes;
-  posix_spawnattr_init(&attributes);
-  posix_spawnattr_setflags(&attributes, POSIX_SPAWN_SETPGROUP);
-  posix_spawnattr_setpgroup(&attributes, 0);
-  posix_spawn_file_actions_t redirections;
-  posix_spawn_file_actions_init(&redirections);
-  if (output >= 0) posix_spawn_file_actions_adddup2(&redirections, output, STDOUT_FILENO);
-  char* const arguments[] = {const_cast<char*>("sh"), const_cast<char*>("-c"),
-                             const_cast<char*>(text.c_str()), nullptr};
-  const int error = posix_spawn(&shell, "/bin/sh", &redirections, &attributes, arguments, environ);
-  posix_spawn_file_actions_destroy(&redirections);
-  posix_spawnattr_destroy(&attributes);
+// output goes to `output`, or where the host's goes when that is -1. -1 when no process can be made.
+static pid_t fork_shell(const std::string& text, int output) {
+  sigset_t all_signals;
+  sigset_t mask;
+  sigfillset(&all_signals);
+  pthread_sigmask(SIG_SETMASK, &all_signals, &mask);
+  const pid_t shell = fork();
+  if (shell == 0) become_shell(text.c_str(), output, mask);
+  pthread_sigmask(SIG_SETMASK, &mask, nullptr);
   note_activity();
-  return error;
+  return shell;
 }
 
 static bool wait_until_readable(int fd, Patience& patience) {
@@ -109,48 +116,31 @@ static int finish_shell(pid_t shell, Patience& patience) {
   return status;
 }
 
-// A Ctrl-C that comes before the new shell leads its own group ends it before it has done anything;
-// it was meant for the host, so the command is still owed.
-static bool has_ended_before_it_began(int status) {
-  return status != -1 && WIFSIGNALED(status) &&
-         (WTERMSIG(status) == SIGINT || WTERMSIG(status) == SIGHUP || WTERMSIG(status) == SIGTERM);
-}
-
-static int run_shell_once(const std::string& text) {
-  pid_t shell = -1;
-  const int error = spawn_shell(text, -1, shell);
-  if (error == EAGAIN || error == ENOMEM) return -1;
-  if (error != 0) return W_EXITCODE(127, 0);
+int run_shell_command(const std::string& text) {
+  const pid_t shell = fork_shell(text, -1);
+  if (shell < 0) return -1;
   Patience patience;
   return finish_shell(shell, patience);
 }
 
-int run_shell_command(const std::string& text) {
-  int status = run_shell_once(text);
-  for (int more = k_most_new_tries; has_ended_before_it_began(status) && more > 0; --more) {
-    status = run_shell_once(text);
-  }
-  return status;
-}
-
 bool shell_command_succeeds(const std::string& text) { return run_shell_command(text) == 0; }
 
-using IsEnough = std::function<bool(const std::string& text_so_far)>;
-
-// Runs `command`, appends what it prints to `text` until that is enough, and gives its status.
-static int read_output_once(const std::string& command, const IsEnough& is_enough,
-                            std::string& text) {
+// Runs `command` and gives what it prints, until `is_enough` says so of the text so far.
+static std::string read_output(const std::string& command,
+                               const std::function<bool(const std::string&)>& is_enough) {
   int ends[2];
   // Close-on-exec: a core that is launched meanwhile on another thread must not inherit the pipe.
-  if (pipe2(ends, O_CLOEXEC) != 0) return -1;
+  if (pipe2(ends, O_CLOEXEC) != 0) return "";
+  std::string text;
   pid_t shell = -1;
   Patience patience;
   {
     const UniqueFd output(ends[0]);
     {
       const UniqueFd input(ends[1]);
-      if (spawn_shell(command, input.get(), shell) != 0) return -1;
+      shell = fork_shell(command, input.get());
     }
+    if (shell < 0) return "";
     char chunk[4096];
     while (!is_enough(text) && wait_until_readable(output.get(), patience)) {
       const ssize_t count = read(output.get(), chunk, sizeof chunk);
@@ -158,16 +148,7 @@ static int read_output_once(const std::string& command, const IsEnough& is_enoug
       text.append(chunk, static_cast<size_t>(count));
     }
   }
-  return finish_shell(shell, patience);
-}
-
-static std::string read_output(const std::string& command, const IsEnough& is_enough) {
-  std::string text;
-  int status = read_output_once(command, is_enough, text);
-  for (int more = k_most_new_tries; has_ended_before_it_began(status) && more > 0; --more) {
-    text.clear();
-    status = read_output_once(command, is_enough, text);
-  }
+  finish_shell(shell, patience);
   return text;
 }
 
