@@ -187,6 +187,7 @@ TEST_F(LeavingTest, AHungToolDoesNotKeepTheProcess) {
 
 // An impatient user at the terminal: none of the signals may be lost, or end the host or its commands.
 TEST_F(LeavingTest, AHailOfCtrlCIsAsGoodAsOne) {
+  std::mt19937 random(7);
   for (const milliseconds delay : {300ms, 0ms, 0ms, 0ms}) {
     set_pace(0ms);
     ChildProcess host(connecting());
@@ -196,7 +197,8 @@ TEST_F(LeavingTest, AHailOfCtrlCIsAsGoodAsOne) {
     std::this_thread::sleep_for(delay * 3 / 2);
     while (!host.wait_for_exit(0ms)) {
       kill(-host.pid(), SIGINT);
-      std::this_thread::sleep_for(500us);
+      // Uneven, so as not to keep step with the host.
+      std::this_thread::sleep_for(500us + random() % 1000 * 1us);
     }
     EXPECT_EQ("", faults_at_the_end(host, 0ms));
     EXPECT_NE(std::string::npos, host.console().find("收到退出信号")) << host.console();
