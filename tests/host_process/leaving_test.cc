@@ -209,7 +209,8 @@ TEST_F(LeavingTest, AHailOfCtrlCIsAsGoodAsOne) {
 TEST_F(LeavingTest, AfterAFailedRestartTheProxyIsTakenBack) {
   ChildProcess earlier_core(core_command(config_));
   write_file(home_.path() + "/settings/org.gnome.system.proxy.mode", "manual\n");
-  write_file(config_, "no core accepts this");
+  write_file(config_, "no core accepts \"external_controller\": \"127.0.0.1:" +
+                          std::to_string(clash_port_) + "\"");
   ChildProcess host(connecting());
   ASSERT_TRUE(host.wait_for("未")) << host.console();
   host.send(SIGTERM);
