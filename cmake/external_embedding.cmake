@@ -1,5 +1,5 @@
 # The same target names as in our own layer, taken from a directory of finished libraries.
-include(cmake/plugins.cmake)
+include(${CMAKE_CURRENT_LIST_DIR}/plugins.cmake)
 
 function(corvana_import_library name)
   set(library ${FLUTTER_EMBEDDING_DIR}/lib/lib${name}.so)
