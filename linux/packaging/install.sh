@@ -1,0 +1,257 @@
+#!/usr/bin/env bash
+# Installs a built bundle together with a core, and takes away again exactly what it has installed.
+set -euo pipefail
+shopt -s inherit_errexit
+
+script_dir=$(cd -- "$(dirname -- "${BASH_SOURCE[0]}")" && pwd -P)
+readonly script_dir record_name=.install-manifest core_file=bin/zant
+readonly required_files=(Corvana lib/libflutter_linux_gtk.so logo.png)
+
+action=install
+core=""
+bundle=""
+prefix=""
+even_if_running=no
+unfinished=""
+
+usage() {
+  cat <<'TEXT'
+用法：
+  install.sh --core 核心文件 [--bundle 目录] [--prefix 目录]   安装，或更新已有的安装
+  install.sh --uninstall [--prefix 目录] [--force]             卸载
+
+  --core 文件    要安装的核心，安装为“安装位置/bin/zant”；安装位置已有核心时可以省略
+  --bundle 目录  构建好的程序；默认是本脚本所在的目录，或源代码目录下的 build/bundle
+  --prefix 目录  安装位置；默认是本脚本所在的安装位置，否则是 /opt/corvana
+  --uninstall    只删除本脚本安装过的文件；设置、日志等个人文件不受影响
+  --force        程序正在运行时也卸载
+  --help         显示本说明
+
+程序已在安装位置时（例如由软件包安装），只放入核心。
+安装到 /opt/corvana 需要管理员权限（sudo）；安装到自己的目录则不需要。
+TEXT
+}
+
+say() { printf 'install.sh: %s\n' "$*"; }
+
+fail() {
+  say "错误：$*" >&2
+  exit 1
+}
+
+misused() {
+  say "$1（用法见 install.sh --help）" >&2
+  exit 2
+}
+
+parse_arguments() {
+  while (($#)); do
+    case $1 in
+      --core | --bundle | --prefix)
+        [[ -n ${2-} ]] || misused "选项 $1 缺少值"
+        printf -v "${1#--}" %s "$2"
+        shift
+        ;;
+      --uninstall) action=uninstall ;;
+      --force) even_if_running=yes ;;
+      -h | --help) action=usage ;;
+      *) misused "未知参数：$1" ;;
+    esac
+    shift
+  done
+}
+
+default_bundle() {
+  if [[ -e $script_dir/Corvana ]]; then echo "$script_dir"; else echo "$script_dir/../../build/bundle"; fi
+}
+
+default_prefix() {
+  if [[ -e $script_dir/$record_name ]]; then echo "$script_dir"; else echo /opt/corvana; fi
+}
+
+choose_places() {
+  bundle=$(realpath -m -- "${bundle:-$(default_bundle)}")
+  prefix=$(realpath -m -- "${prefix:-$(default_prefix)}")
+  [[ $prefix != / ]] || fail "安装位置不能是根目录"
+}
+
+require_bundle() {
+  local file
+  for file in "${required_files[@]}"; do
+    [[ -f $bundle/$file ]] || fail "$bundle 中没有 $file，不是构建好的程序；请先构建，或用 --bundle 指定目录"
+  done
+  [[ -x $bundle/Corvana ]] || fail "$bundle/Corvana 不可执行"
+}
+
+require_core() {
+  if [[ -z $core ]]; then
+    [[ -x $prefix/$core_file ]] || fail "没有核心；请用 --core 指定核心文件"
+    return
+  fi
+  [[ -f $core ]] || fail "核心文件不存在，或不是普通文件：$core"
+  [[ -r $core ]] || fail "没有读取核心文件的权限：$core"
+  [[ -x $core ]] || fail "核心文件不可执行：$core（可用 chmod +x 修复）"
+}
+
+require_writable() {
+  local folder=$prefix
+  until [[ -e $folder ]]; do folder=$(dirname -- "$folder"); done
+  [[ -d $folder ]] || fail "安装位置不是目录：$folder"
+  [[ -w $folder ]] || fail "没有写入 $folder 的权限；请用 sudo 运行，或用 --prefix 另选位置"
+}
+
+# What earlier runs have installed, one path below the prefix a line; a folder that they made ends in a slash.
+recorded() { cat -- "$prefix/$record_name" 2>/dev/null || true; }
+
+files_only() { sed '/\/$/d'; }
+folders_only() { sed -n '/\/$/p'; }
+
+write_record() {
+  sed '/^$/d' | sort -u >"$prefix/$record_name.new"
+  mv -fT -- "$prefix/$record_name.new" "$prefix/$record_name"
+}
+
+# lines_beyond TEXT: those lines of standard input that the text doesn't have.
+lines_beyond() { grep -vxF -f <(printf '%s' "$1") || true; }
+
+# The bundle's own core is a sample: only a core that was named is installed.
+bundle_files() {
+  [[ $bundle -ef $prefix ]] && return
+  cd -- "$bundle"
+  find . -mindepth 1 ! -type d ! -path "./$core_file" ! -path "./$record_name" -printf '%P\n'
+}
+
+wanted_files() {
+  (bundle_files)
+  if [[ -n $core ]]; then echo "$core_file"; fi
+}
+
+# Files of a package, or of somebody else, are neither overwritten nor, later, uninstalled.
+refuse_foreign_files() {
+  local file
+  while read -r file; do
+    [[ -e $prefix/$file ]] || continue
+    fail "$prefix/$file 已存在，但不是本脚本安装的；请先移走它（软件包则先卸载），或用 --prefix 另选位置"
+  done < <(lines_beyond "$(recorded)" <<<"$1")
+}
+
+# Each folder above the files given that isn't there yet, parents first; "./" is the prefix itself. What is above that
+# stays when the program goes.
+missing_folders() {
+  local path
+  if [[ ! -e $prefix ]]; then echo ./; fi
+  while read -r path; do
+    while [[ $path == */* ]]; do
+      path=${path%/*}
+      if [[ ! -e $prefix/$path ]]; then echo "$path/"; fi
+    done
+  done <<<"$1" | sort -u
+}
+
+make_folders() {
+  local folder
+  while read -r folder; do
+    mkdir -p -- "$prefix/$folder"
+  done <<<"$1"
+}
+
+# Renaming leaves no moment without a whole file, and a running program keeps the one that it was started from.
+place() {
+  local mode=0644
+  if [[ -x $1 ]]; then mode=0755; fi
+  unfinished=$2.new
+  install -T -m "$mode" -- "$1" "$unfinished"
+  mv -fT -- "$unfinished" "$2"
+}
+
+place_files() {
+  local file source
+  while read -r file; do
+    source=$bundle/$file
+    if [[ $file == "$core_file" ]]; then source=$core; fi
+    place "$source" "$prefix/$file"
+  done <<<"$1"
+}
+
+# An update takes away what only the older bundle had.
+remove_outdated() {
+  local outdated file
+  [[ $bundle -ef $prefix ]] && return
+  outdated=$(recorded | files_only | lines_beyond "$1"$'\n'"$core_file")
+  while read -r file; do
+    if [[ -n $file ]]; then rm -f -- "$prefix/$file"; fi
+  done <<<"$outdated"
+  recorded | lines_beyond "$outdated" | write_record
+}
+
+# The numbers of the processes whose program lies in the prefix, as far as the caller may know.
+running_processes() {
+  local process program
+  while read -r -d '' process && read -r -d '' program; do
+    if [[ $program == "$prefix"/* ]]; then printf '%s ' "${process#/proc/}"; fi
+  done < <(find /proc -mindepth 2 -maxdepth 2 -path '/proc/[0-9]*/exe' -printf '%h\0%l\0' 2>/dev/null || true)
+}
+
+install_bundle() {
+  local files folders
+  require_bundle
+  require_core
+  require_writable
+  files=$(wanted_files)
+  [[ -n $files ]] || fail "$prefix 已有程序和核心；要更换核心，请用 --core 指定"
+  refuse_foreign_files "$files"
+  folders=$(missing_folders "$files")
+  make_folders "$folders"
+  # Before the files, so that an installation that broke off can be repeated or uninstalled.
+  printf '%s\n' "$(recorded)" "$folders" "$files" | write_record
+  place_files "$files"
+  remove_outdated "$files"
+  say "已安装到 $prefix，启动：$prefix/Corvana"
+  if [[ -n $(running_processes) ]]; then say "程序正在运行，重新启动后才使用新文件"; fi
+}
+
+refuse_while_running() {
+  local processes
+  [[ $even_if_running == no ]] || return 0
+  processes=$(running_processes)
+  [[ -z $processes ]] || fail "程序正在运行（进程 ${processes% }）；请先退出，或加上 --force"
+}
+
+# Never outside the prefix, whatever has become of the record.
+remove_recorded() {
+  local path
+  while read -r path; do
+    case /$path in
+      *//* | */../*) say "跳过不正确的记录：$path" >&2 ;;
+      */) rmdir -- "$prefix/${path#./}" 2>/dev/null || true ;;
+      *) rm -f -- "$prefix/$path" ;;
+    esac
+  done
+}
+
+uninstall() {
+  local record
+  record=$(recorded)
+  [[ -n $record ]] || fail "$prefix 中没有本脚本的安装记录，没有可卸载的文件"
+  require_writable
+  refuse_while_running
+  files_only <<<"$record" | remove_recorded
+  rm -f -- "$prefix/$record_name"
+  folders_only <<<"$record" | sort -r | remove_recorded
+  say "已从 $prefix 卸载"
+  if [[ -d $prefix ]]; then say "$prefix 中还有不是本脚本安装的文件，已保留"; fi
+}
+
+main() {
+  umask 022
+  trap 'rm -f -- "$unfinished"' EXIT
+  parse_arguments "$@"
+  choose_places
+  case $action in
+    usage) usage ;;
+    install) install_bundle ;;
+    uninstall) uninstall ;;
+  esac
+}
+
+main "$@"
