@@ -34,3 +34,6 @@ test_packages=(
 
 check_packages=(clang-format shellcheck)
 tidy_packages=(clang-tidy cppcheck)
+
+# The package, and what checks it; the unit is checked in the sandbox.
+packaging_packages=(appstream bubblewrap desktop-file-utils dpkg-dev lintian systemd)
