@@ -5,53 +5,40 @@
 
 #include "support/temporary_home.h"
 
-TEST(DesktopEnvironment, FromTheSession) {
-  const struct {
-    const char* current_desktop;
-    const char* session;
-    const char* desktop;
-  } rows[] = {
-      {"ubuntu:GNOME", nullptr, "gnome"}, {"KDE", nullptr, "kde"},
-      {"X-Cinnamon", nullptr, "gnome"},   {"XFCE", nullptr, "xfce"},
-      {"MATE", nullptr, "mate"},          {"LXQt", nullptr, "lxde"},
-      {"LXDE", nullptr, "lxde"},          {"Unity", nullptr, "gnome"},
-      {"Budgie:GNOME", nullptr, "gnome"}, {"popkde", nullptr, "gnome"},
-      {nullptr, "plasmawayland", "kde"},  {"", "pop", "gnome"},
-      {"XFCE", "gnome", "xfce"},          {"sway", "gnome", "other"},
-      {nullptr, nullptr, "other"},
-  };
-  const TemporaryHome home;
-  home.add_stand_in("ps", "#!/bin/sh\n");
-  for (const auto& row : rows) {
-    row.current_desktop ? setenv("XDG_CURRENT_DESKTOP", row.current_desktop, 1)
-                        : unsetenv("XDG_CURRENT_DESKTOP");
-    row.session ? setenv("DESKTOP_SESSION", row.session, 1) : unsetenv("DESKTOP_SESSION");
-    EXPECT_EQ(detect_desktop_environment(), row.desktop)
-        << (row.current_desktop ? row.current_desktop : "unset");
+using Rows = std::vector<std::pair<const char*, const char*>>;
+
+TEST(DesktopEnvironment, FromTheNames) {
+  const Rows sessions = {
+      {"ubuntu:GNOME", "gnome"}, {"KDE", "kde"},      {"X-Cinnamon", "gnome"},  {"XFCE", "xfce"},
+      {"MATE", "mate"},          {"LXQt", "lxde"},    {"LXDE", "lxde"},         {"Unity", "gnome"},
+      {"popkde", "gnome"},       {"ubuntu", "gnome"}, {"plasmawayland", "kde"}, {"sway", ""}};
+  for (const auto& [name, desktop] : sessions) EXPECT_EQ(desktop_from_session_name(name), desktop);
+
+  const Rows processes = {{"bash\ngnome-shell\nplasmashell\n", "kde"},
+                          {"gnome-shell\nxfce4-session\n", "gnome"},
+                          {"mate-session\nxfce4-session\n", "xfce"},
+                          {"cinnamon-sessio\nmate-session\n", "mate"},
+                          {"cinnamon-sessio\n", "gnome"},
+                          {"lxqt-session\n", "lxde"},
+                          {"lxsession\n", "lxde"},
+                          {"Plasmashell\n", "other"}};
+  for (const auto& [names, desktop] : processes) {
+    EXPECT_EQ(desktop_from_process_names(names), desktop) << names;
   }
 }
 
-TEST(DesktopEnvironment, FromTheProcesses) {
-  const struct {
-    const char* processes;
-    const char* desktop;
-  } rows[] = {
-      {"bash\ngnome-shell\nplasmashell\n", "kde"},
-      {"gnome-shell\nxfce4-session\n", "gnome"},
-      {"xfce4-session\n", "xfce"},
-      {"mate-session\n", "mate"},
-      {"cinnamon-sessio\n", "gnome"},
-      {"lxqt-session\n", "lxde"},
-      {"lxsession\n", "lxde"},
-      {"Plasmashell\n", "other"},
-      {"", "other"},
-  };
-  for (const auto& row : rows) {
-    const TemporaryHome home;
-    write_file(home.path() + "/processes", row.processes);
-    home.add_stand_in("ps", "#!/bin/sh\n[ \"$*\" = '-eo comm=' ] && cat ~/processes\n");
-    EXPECT_EQ(detect_desktop_environment(), row.desktop) << row.processes;
-  }
+TEST(DesktopEnvironment, AsksTheSessionThenTheProcesses) {
+  const TemporaryHome home;
+  home.add_stand_in("ps", "#!/bin/sh\n[ \"$*\" = '-eo comm=' ] && echo xfce4-session\n");
+  EXPECT_EQ(detect_desktop_environment(), "xfce");
+  setenv("DESKTOP_SESSION", "plasma", 1);
+  EXPECT_EQ(detect_desktop_environment(), "kde");
+  setenv("XDG_CURRENT_DESKTOP", "", 1);
+  EXPECT_EQ(detect_desktop_environment(), "kde");
+  setenv("XDG_CURRENT_DESKTOP", "sway", 1);
+  EXPECT_EQ(detect_desktop_environment(), "xfce") << "an unknown one hides the session's name";
+  setenv("XDG_CURRENT_DESKTOP", "GNOME", 1);
+  EXPECT_EQ(detect_desktop_environment(), "gnome");
 }
 
 TEST(DesktopEnvironment, ProbesCommandsSilently) {
