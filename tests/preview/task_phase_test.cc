@@ -13,10 +13,8 @@ TEST(TaskPhase, FollowsTheAnswers) {
   } rows[] = {
       {Phase::checking, {false, false, false}, false, Phase::disconnected},
       {Phase::checking, {false, false, true}, false, Phase::connected},
-      {Phase::starting,
-       {false, true, true},
-       true,
-       Phase::starting},  // still the last task's result
+      // The result is still that of the task before.
+      {Phase::starting, {false, true, true}, true, Phase::starting},
       {Phase::starting, {true, true, true}, false, Phase::connected},
       {Phase::starting, {true, true, false}, false, Phase::starting},
       {Phase::starting, {true, true, false}, true, Phase::lost},

@@ -1,0 +1,37 @@
+#include <gtest/gtest.h>
+
+#include "flutter_embedding/preview/default_config.h"
+#include "flutter_embedding/preview/preview_options.h"
+
+static preview::ParsedOptions parse(std::vector<const char*> arguments) {
+  arguments.push_back(nullptr);
+  return preview::parse_options(const_cast<char**>(arguments.data()));
+}
+
+TEST(Options, AreReadOrGiveOneLineAndTheDefaults) {
+  const auto [options, complaint] = parse({"--config", "b.json", "--proxy-mode=4", "--connect",
+                                           "--page", "log", "--screenshot=s.png", "--quit"});
+  EXPECT_EQ(complaint, "");
+  EXPECT_EQ(options.config.front(), '/');
+  EXPECT_EQ(options.proxy_mode, preview::ProxyMode::no_system_proxy);
+  EXPECT_EQ(options.page + " " + options.screenshot, "log s.png");
+  EXPECT_TRUE(options.connect && options.quit);
+  for (const char* fault : {"--help", "stray", "--proxy-mode=x", "--proxy-mode=2", "--page=other",
+                            "two\nlines", "--proxy-mode"}) {
+    const auto parsed = parse({"--connect", fault});
+    EXPECT_NE(parsed.complaint, "") << fault;
+    EXPECT_EQ(parsed.complaint.find('\n'), std::string::npos) << fault;
+    EXPECT_FALSE(parsed.options.connect) << fault;
+  }
+}
+
+// The host reads the ports by searching the text.
+TEST(DefaultConfig, HasItsKeysInTheOrderThatTheHostReads) {
+  const std::string text = preview::default_config_text();
+  EXPECT_EQ(text.find("listen_port", text.find("\"mixed\"")), text.find("listen_port\": 7890"));
+  EXPECT_NE(text.find("\"external_controller\": \"127.0.0.1:9090\""), std::string::npos);
+  EXPECT_EQ(preview::mixed_port_of(text), 7890);
+  EXPECT_EQ(preview::mixed_port_of(R"({"inbounds":[7,{"type":"mixed","listen_port":"80"}]})"),
+            std::nullopt);
+  EXPECT_EQ(preview::mixed_port_of_file("/dev/zero"), std::nullopt);
+}
