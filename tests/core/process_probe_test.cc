@@ -38,5 +38,4 @@ TEST(ProcessProbe, MatchesWhatACommandLineHolds) {
   }
   EXPECT_FALSE(is_process_running("needle"));
   EXPECT_TRUE(is_process_running("process_probe_test")) << "its own process counts";
-  EXPECT_TRUE(is_process_running(""));
 }

@@ -52,9 +52,9 @@ class MethodChannel : public testing::Test {
     home_.add_stand_in("zant", "#!/bin/bash\nexec -a \"zant $1 $2\" sleep 99\n");
   }
 
-  std::string start(const std::string& config_path, int64_t mode = 1) {
+  std::string start(const char* config_path, int64_t mode = 1) {
     g_autoptr(FlValue) args = fl_value_new_map();
-    fl_value_set_string_take(args, "configPath", fl_value_new_string(config_path.c_str()));
+    fl_value_set_string_take(args, "configPath", fl_value_new_string(config_path));
     fl_value_set_string_take(args, "proxyMode", fl_value_new_int(mode));
     return client_.call("startVPN", args);
   }
@@ -108,23 +108,22 @@ TEST_F(MethodChannel, AnswersWithoutACore) {
 
 TEST_F(MethodChannel, ArgumentsOfTheWrongShapeMeanNoConfiguration) {
   use_idle_core();
-  g_autoptr(FlValue) list = fl_value_new_list();
   g_autoptr(FlValue) wrong_types = fl_value_new_map();
   fl_value_set_string_take(wrong_types, "configPath", fl_value_new_int(1));
   fl_value_set_string_take(wrong_types, "proxyMode", fl_value_new_string("4"));
-  fl_value_set_take(wrong_types, fl_value_new_int(1), fl_value_new_null());
-  for (FlValue* const args : {static_cast<FlValue*>(nullptr), list, wrong_types}) {
+  g_autoptr(FlValue) missing = fl_value_new_map();
+  fl_value_set_string_take(missing, "configPath", fl_value_new_string("missing.json"));
+  const std::pair<FlValue*, std::string> rows[] = {
+      {nullptr, ""}, {wrong_types, ""}, {missing, "missing.json"}};
+  for (const auto& [args, path] : rows) {
     EXPECT_EQ(client_.call("startVPN", args), "true");
     EXPECT_EQ(finish(), status_reply(true, false, false));
     EXPECT_EQ(client_.call("getLastError"),
               error_reply("config_failed",
-                          "zant 配置文件不存在: \n"
-                          "Dart 侧 ZantConfigBuilder 必须先写入 JSON 再调 startVPN。",
+                          "zant 配置文件不存在: " + path +
+                              "\nDart 侧 ZantConfigBuilder 必须先写入 JSON 再调 startVPN。",
                           ""));
   }
-  EXPECT_EQ(start("missing.json"), "true");
-  finish();
-  EXPECT_NE(client_.call("getLastError").find("不存在: missing.json\n"), std::string::npos);
 }
 
 TEST_F(MethodChannel, FailuresOfACoreThatDoesNotComeUp) {
@@ -171,7 +170,6 @@ TEST_F(MethodChannel, FailuresOfACoreThatDoesNotComeUp) {
 
 TEST_F(MethodChannel, StartsTwiceAndStopsWithACore) {
   std::filesystem::copy_file(SAMPLE_CORE, home_.bin() + "/zant");
-  testing::internal::CaptureStdout();
   EXPECT_EQ(start("config.json"), "true");
   EXPECT_EQ(start("config.json", 4), "true");
   EXPECT_EQ(client_.call("stopVPN"), "false") << "during the starts";
@@ -179,15 +177,6 @@ TEST_F(MethodChannel, StartsTwiceAndStopsWithACore) {
   EXPECT_EQ(gnome_modes(), "manual;none;none;");
   EXPECT_TRUE(wait_for_workers());
   EXPECT_EQ(finish(), status_reply(true, true, false));
-  const std::string launched = "[Corvana] 执行(zant): nohup " + home_.bin() +
-                               "/zant run -c config.json -D " + home_.path() +
-                               "/.local/share/Corvana/run > " + home_.path() +
-                               "/.local/share/Corvana/run/runtime.log 2>&1 &\n"
-                               "[Corvana] zant 启动成功，clash_api=9090 mixed=7890\n";
-  const std::string cleared = "[Corvana] 已清除系统代理 (DE=gnome)\n";
-  EXPECT_EQ(testing::internal::GetCapturedStdout(),
-            launched + "[Corvana] 已设置系统代理 (DE=gnome, HTTP=7890, SOCKS=7890)\n" + launched +
-                cleared + cleared + "已停止代理服务\n");
   EXPECT_EQ(client_.call("getLastError"), k_no_error);
   EXPECT_LT(slowest_answer_, 20ms);
 
