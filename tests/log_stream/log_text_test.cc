@@ -25,7 +25,7 @@ TEST(Utf8Repair, JudgesBitPatterns) {
       {"\xE4\xB8\n\xAD", "\uFFFD\uFFFD\n\uFFFD"},
       {"\xC2\xC2\xA9", "\uFFFD\xC2\xA9"},
       {"\xF8\x88\xFF", "\uFFFD\uFFFD\uFFFD"},
-      {std::string("12345678a\0b", 11), "12345678a\uFFFDb"},
+      {std::string("a\0bcdefgh", 9), "a\uFFFDbcdefgh"},
       // Overlong forms, surrogates and values past the last code point have the right shape.
       {"\xC0\x80 \xED\xA0\x80 \xF7\xBF\xBF\xBF", "\xC0\x80 \xED\xA0\x80 \xF7\xBF\xBF\xBF"},
   };
