@@ -57,7 +57,7 @@ class Patience {
 
 }  // namespace
 
-// In the child of a process with threads: nothing but calls that are safe there. All signals are
+// In a child that still shares the host's memory: nothing but system calls. All signals are
 // blocked. A Ctrl-C that has come since the fork was meant for the host; ignoring it for a moment
 // throws it away, and from the new group on no more of them come.
 [[noreturn]] static void become_shell(const char* text, int output, const sigset_t& mask) {
@@ -75,12 +75,13 @@ class Patience {
 // The shell leads a process group of its own: a Ctrl-C in the host's terminal must not end the very
 // commands that take the proxy back, and a hung command can be ended with its children. Standard
 // output goes to `output`, or where the host's goes when that is -1. -1 when no process can be made.
+// Not fork: copying the page tables of a process with a window takes longer than most commands.
 static pid_t fork_shell(const std::string& text, int output) {
   sigset_t all_signals;
   sigset_t mask;
   sigfillset(&all_signals);
   pthread_sigmask(SIG_SETMASK, &all_signals, &mask);
-  const pid_t shell = fork();
+  const pid_t shell = vfork();
   if (shell == 0) become_shell(text.c_str(), output, mask);
   pthread_sigmask(SIG_SETMASK, &mask, nullptr);
   note_activity();
