@@ -37,3 +37,4 @@ tidy_packages=(clang-tidy cppcheck)
 
 # The package, and what checks it; the unit is checked in the sandbox.
 packaging_packages=(appstream bubblewrap desktop-file-utils dpkg-dev lintian systemd)
+bench_packages=(bubblewrap libbenchmark-dev)
