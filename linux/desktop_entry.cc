@@ -42,7 +42,7 @@ static void install_icon(const std::string& source, const std::string& target) {
 }
 
 static std::string choose_exec_path() {
-  const std::string preferred = get_executable_dir() + "/Corvana";
+  std::string preferred = get_executable_dir() + "/Corvana";
   if (path_exists(preferred)) return preferred;
   char running[PATH_MAX];
   return realpath("/proc/self/exe", running) == nullptr ? preferred : running;

@@ -34,7 +34,7 @@ static std::string percent_doubled(const std::string& path) {
 }
 
 static std::string exec_value(const std::string& path) {
-  const std::string argument = percent_doubled(path);
+  std::string argument = percent_doubled(path);
   if (argument.find_first_of(k_reserved) == argument.npos) return argument;
   std::string quoted = "\"";
   for (const char byte : argument) {

@@ -19,12 +19,12 @@ struct _MyApplication {
 
 G_DEFINE_TYPE(MyApplication, my_application, GTK_TYPE_APPLICATION)
 
-static FlMethodChannel* open_method_channel(FlBinaryMessenger* messenger,
-                                            FlStandardMethodCodec* codec) {
-  FlMethodChannel* const channel =
+// The messenger keeps a channel that has a handler, so our own references need not last.
+static void open_method_channel(FlBinaryMessenger* messenger) {
+  g_autoptr(FlStandardMethodCodec) codec = fl_standard_method_codec_new();
+  g_autoptr(FlMethodChannel) channel =
       fl_method_channel_new(messenger, "com.corvana.channel/proxy_service", FL_METHOD_CODEC(codec));
   fl_method_channel_set_method_call_handler(channel, method_call_handler, nullptr, nullptr);
-  return channel;
 }
 
 static void my_application_activate(GApplication* application) {
@@ -43,10 +43,8 @@ static void my_application_activate(GApplication* application) {
   gtk_container_add(GTK_CONTAINER(window), GTK_WIDGET(view));
   fl_register_plugins(FL_PLUGIN_REGISTRY(view));
 
-  // The messenger keeps a channel that has a handler, so our own reference need not last.
   FlBinaryMessenger* const messenger = fl_engine_get_binary_messenger(fl_view_get_engine(view));
-  g_autoptr(FlStandardMethodCodec) codec = fl_standard_method_codec_new();
-  g_autoptr(FlMethodChannel) method_channel = open_method_channel(messenger, codec);
+  open_method_channel(messenger);
   open_log_stream(messenger);
 
   // A core that runs may be in use through the proxy; without one, a proxy that an earlier run left

@@ -16,7 +16,7 @@ static std::string data_root() {
 }
 
 std::string get_user_runtime_dir() {
-  const std::string candidate = data_root() + "/run";
+  std::string candidate = data_root() + "/run";
   std::error_code error;
   std::filesystem::create_directories(candidate, error);
   if (!error && access(candidate.c_str(), W_OK) == 0) return candidate;

@@ -50,14 +50,14 @@ std::string desktop_from_session_name(const std::string& session_name) {
 }
 
 std::string desktop_from_process_names(const std::string& process_names) {
-  const std::string desktop = first_match(k_process_tokens, process_names);
+  std::string desktop = first_match(k_process_tokens, process_names);
   return desktop.empty() ? "other" : desktop;
 }
 
 std::string detect_desktop_environment() {
   std::string session_name = environment_value("XDG_CURRENT_DESKTOP");
   if (session_name.empty()) session_name = environment_value("DESKTOP_SESSION");
-  const std::string desktop = desktop_from_session_name(session_name);
+  std::string desktop = desktop_from_session_name(session_name);
   if (!desktop.empty()) return desktop;
   return desktop_from_process_names(read_command_output("ps -eo comm= 2>/dev/null"));
 }
