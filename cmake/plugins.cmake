@@ -1,8 +1,14 @@
-# The targets of the six plugin libraries; each library is lib<target>.so.
-set(CORVANA_PLUGINS
-  platform_device_id_linux_plugin
-  screen_retriever_plugin
-  sentry_flutter_plugin
-  tray_manager_plugin
-  url_launcher_linux_plugin
-  window_manager_plugin)
+# The six plugin libraries, each lib<target>.so. A row is the target, the name under which the plugin
+# asks for its registrar, and what comes before _register_with_registrar in its function, which isn't
+# always the library's name.
+set(CORVANA_PLUGIN_TABLE
+  "platform_device_id_linux_plugin  PlatformDeviceIdLinuxPlugin  platform_device_id_linux_plugin"
+  "screen_retriever_plugin          ScreenRetrieverPlugin        screen_retriever_plugin"
+  "sentry_flutter_plugin            SentryFlutterPlugin          sentry_flutter_plugin"
+  "tray_manager_plugin              TrayManagerPlugin            tray_manager_plugin"
+  "url_launcher_linux_plugin        UrlLauncherPlugin            url_launcher_plugin"
+  "window_manager_plugin            WindowManagerPlugin          window_manager_plugin")
+
+# The targets alone.
+set(CORVANA_PLUGINS ${CORVANA_PLUGIN_TABLE})
+list(TRANSFORM CORVANA_PLUGINS REPLACE " .*" "")
