@@ -1,6 +1,8 @@
 add_library(corvana_warnings INTERFACE)
 target_compile_options(corvana_warnings INTERFACE
-  -Wall -Wextra -Wpedantic -Wshadow -Wconversion $<$<BOOL:${CORVANA_WERROR}>:-Werror>)
+  -Wall -Wextra -Wpedantic -Wshadow -Wconversion $<$<BOOL:${CORVANA_WERROR}>:-Werror>
+  $<$<CXX_COMPILER_ID:Clang>:-Wreserved-identifier>
+  $<$<CXX_COMPILER_ID:Clang>:-Wreserved-macro-identifier>)
 
 if(CORVANA_SANITIZER)
   add_compile_options(-fsanitize=${CORVANA_SANITIZER} -fno-omit-frame-pointer)

@@ -32,9 +32,8 @@ test_packages=(
   glib-networking libproxy-tools
 )
 
-check_packages=(clang-format shellcheck)
-tidy_packages=(clang-tidy cppcheck)
+check_packages=(clang clang-format clang-tidy cppcheck shellcheck)
+bench_packages=(bubblewrap libbenchmark-dev)
 
 # The package, and what checks it; the unit is checked in the sandbox.
 packaging_packages=(appstream bubblewrap desktop-file-utils dpkg-dev lintian systemd)
-bench_packages=(bubblewrap libbenchmark-dev)
