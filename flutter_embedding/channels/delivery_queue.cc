@@ -1,17 +1,8 @@
 #include "flutter_embedding/channels/delivery_queue.h"
 
-#include <exception>
 #include <utility>
 
-static void run_guarded(const DeliveryQueue::Delivery& delivery) {
-  try {
-    delivery();
-  } catch (const std::exception& failure) {
-    g_critical("A channel handler threw an exception: %s", failure.what());
-  } catch (...) {
-    g_critical("A channel handler threw something that is no exception");
-  }
-}
+#include "flutter_embedding/guarded.h"
 
 void DeliveryQueue::push(Delivery delivery) {
   pending_.push_back(std::move(delivery));

@@ -1,7 +1,7 @@
 #include "flutter_embedding/preview/connection_form.h"
 
+#include "flutter_embedding/guarded.h"
 #include "flutter_embedding/preview/default_config.h"
-#include "flutter_embedding/preview/guarded.h"
 #include "flutter_embedding/preview/widgets.h"
 
 namespace preview {

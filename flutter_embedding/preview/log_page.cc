@@ -4,7 +4,7 @@
 #include <string_view>
 #include <utility>
 
-#include "flutter_embedding/preview/guarded.h"
+#include "flutter_embedding/guarded.h"
 #include "flutter_embedding/preview/log_view_buffer.h"
 #include "flutter_embedding/preview/text_pane.h"
 #include "flutter_embedding/preview/widgets.h"

@@ -2,7 +2,7 @@
 
 #include <utility>
 
-#include "flutter_embedding/preview/guarded.h"
+#include "flutter_embedding/guarded.h"
 
 namespace preview {
 namespace {
