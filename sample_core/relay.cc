@@ -18,6 +18,13 @@ struct Relay {
 // locks would do, but the thread sanitizer can't see them.
 static std::mutex g_handover_mutex;
 
+static Relay* relay_new(const Client& client, GSocketConnection* upstream,
+                        const std::string& label) {
+  return new Relay{G_SOCKET_CONNECTION(g_object_ref(client.connection)),
+                   G_SOCKET_CONNECTION(g_object_ref(upstream)), g_cancellable_new(), label, 2};
+}
+
+// The direction that ends last takes the relay with it.
 static void finish_direction(Relay* relay) {
   if (--relay->open_directions > 0) return;
   g_object_unref(relay->client);
@@ -81,8 +88,5 @@ void start_relay(const Client& client, GSocketConnection* upstream, const std::s
     return;
   }
   const std::lock_guard<std::mutex> lock(g_handover_mutex);
-  Relay* relay =
-      new Relay{G_SOCKET_CONNECTION(g_object_ref(client.connection)),
-                G_SOCKET_CONNECTION(g_object_ref(upstream)), g_cancellable_new(), label, 2};
-  g_idle_add_full(G_PRIORITY_DEFAULT, begin_relay, relay, nullptr);
+  g_idle_add_full(G_PRIORITY_DEFAULT, begin_relay, relay_new(client, upstream, label), nullptr);
 }
