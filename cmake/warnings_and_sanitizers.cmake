@@ -11,3 +11,8 @@ if(CORVANA_SANITIZER)
     add_compile_options(-fno-sanitize-recover=undefined)
   endif()
 endif()
+
+# Fuzzers steer by which code an input has reached, in the libraries too.
+if(CORVANA_FUZZERS)
+  add_compile_options(-fsanitize=fuzzer-no-link)
+endif()

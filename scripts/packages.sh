@@ -37,3 +37,4 @@ bench_packages=(bubblewrap libbenchmark-dev)
 
 # The package, and what checks it; the unit is checked in the sandbox.
 packaging_packages=(appstream bubblewrap desktop-file-utils dpkg-dev lintian systemd)
+fuzz_packages=(bubblewrap clang libclang-rt-14-dev)

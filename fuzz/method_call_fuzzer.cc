@@ -1,0 +1,92 @@
+// Every call gets exactly one reply, of its method's shape, and every task comes to an end. What
+// touches other processes and what waits for them is replaced below: no command is ever run.
+#include "core/process_probe.h"
+#include "core/readiness.h"
+#include "core/workers.h"
+#include "flutter_embedding/codec/standard_codec.h"
+#include "flutter_embedding/engine.h"
+#include "flutter_embedding/ui_channel.h"
+#include "fuzz/fuzzer.h"
+#include "proxy_service/last_error.h"
+#include "proxy_service/method_channel.h"
+#include "proxy_service/task_state.h"
+#include "support/shell_command.h"
+
+// Answers every command. The worker and the main thread never draw from it at the same time.
+static FuzzedDataProvider* g_input;
+
+int run_shell_command(const std::string&) { return g_input->ConsumeBool() ? 0 : -1; }
+bool shell_command_succeeds(const std::string&) { return g_input->ConsumeBool(); }
+std::string read_command_output(const std::string&) { return g_input->ConsumeRandomLengthString(); }
+std::string read_first_line(const std::string& command, size_t size) {
+  if (command.rfind("command -v", 0) == 0) return g_input->ConsumeBool() ? "/bin/true" : "";
+  return g_input->ConsumeRandomLengthString(size - 1).c_str();
+}
+std::chrono::milliseconds time_since_shell_activity() { return {}; }
+bool is_process_running(const std::string&) { return false; }
+bool wait_for_core_process() { return g_input->ConsumeBool(); }
+bool wait_for_core_port(int) { return g_input->ConsumeBool(); }
+
+static const char* const k_methods[] = {"checkVpnIsOpen",    "startVPN",      "stopVPN",
+                                        "checkTaskComplete", "getTaskResult", "getLastError",
+                                        "getDiagnostics",    "setLogEnabled"};
+
+static std::string expected_reply(const std::string& method) {
+  if (method == "getLastError") return " code:s message:s logTail:s";
+  if (method == "checkTaskComplete" || method == "getTaskResult")
+    return " isComplete:b taskResult:b vpnStatus:b";
+  if (method == "getDiagnostics")
+    return " desktop:s sessionType:s hasLibproxy:b hasTunDevice:b hasZantSystem:b helperActive:b"
+           " hasGsettings:b hasKwriteconfig:b appDir:s activeCore:s corePath:s coreExists:b"
+           " runtimeLogPath:s";
+  return "b";
+}
+
+static std::string shape_of(FlValue* value) {
+  if (fl_value_get_type(value) == FL_VALUE_TYPE_BOOL) return "b";
+  if (fl_value_get_type(value) == FL_VALUE_TYPE_STRING) return "s";
+  std::string shape;
+  for (size_t index = 0; index < fl_value_get_length(value); ++index) {
+    const std::string key = fl_value_get_string(fl_value_get_map_key(value, index));
+    if (key == "zantVersion") continue;  // only there with a core
+    shape += " " + key + ":" + shape_of(fl_value_get_map_value(value, index));
+  }
+  return shape;
+}
+
+static void refuse_critical(const gchar*, GLogLevelFlags level, const gchar*, gpointer) {
+  require((level & G_LOG_LEVEL_CRITICAL) == 0);
+}
+
+static FlEngine* engine_with_handler() {
+  g_log_set_default_handler(refuse_critical, nullptr);
+  FlEngine* const engine = fl_engine_new(fl_dart_project_new());
+  FlMethodCodec* const codec = FL_METHOD_CODEC(fl_standard_method_codec_new());
+  FlMethodChannel* const channel =
+      fl_method_channel_new(fl_engine_get_binary_messenger(engine), "", codec);
+  fl_method_channel_set_method_call_handler(channel, method_call_handler, nullptr, nullptr);
+  return engine;
+}
+
+void try_input(FuzzedDataProvider& input) {
+  static FlEngine* const engine = engine_with_handler();
+  g_input = &input;
+  const std::string method = input.PickValueInArray(k_methods);
+  const std::string prefix = input.ConsumeRandomLengthString(20).c_str();
+  g_autofree gchar* name = g_utf8_make_valid((prefix + method).c_str(), -1);
+  const auto bytes = input.ConsumeBytes<uint8_t>(input.ConsumeIntegralInRange<size_t>(0, 4096));
+  g_autoptr(GBytes) message = g_bytes_new(bytes.data(), bytes.size());
+  const ValueRef args = decode_value(message, nullptr);
+
+  std::string replies;
+  const auto collect = [&replies](const UiReply& reply) {
+    replies += reply.value == nullptr ? "none" + reply.error_code : shape_of(reply.value);
+  };
+  ui_invoke_method(fl_engine_get_binary_messenger(engine), "", name, args.get(), collect);
+  while (g_main_context_iteration(nullptr, FALSE)) continue;
+  require(wait_for_workers());
+  require(replies == (prefix.empty() ? expected_reply(method) : "none"));
+  if (replies != "b" || (method != "startVPN" && method != "stopVPN")) return;
+  const auto [complete, result] = read_task_state();
+  require(complete && (method == "stopVPN" || result == read_last_error().code.empty()));
+}
