@@ -38,7 +38,8 @@ class Channel : public testing::Test {
       (*static_cast<CallHandler*>(data))(call);
     };
     const auto destroy = [](gpointer data) { delete static_cast<CallHandler*>(data); };
-    fl_method_channel_set_method_call_handler(channel, run, new CallHandler(handler), destroy);
+    fl_method_channel_set_method_call_handler(channel, run, new CallHandler(std::move(handler)),
+                                              destroy);
   }
 
   // What the reply says, or "none" as long as there is none.

@@ -20,7 +20,7 @@ class LogStream : public testing::Test {
 
   void listen() {
     ui_listen(client_.messenger(), k_channel,
-              [this](FlValue* event) { events_.push_back(fl_value_get_string(event)); });
+              [this](FlValue* event) { events_.emplace_back(fl_value_get_string(event)); });
   }
 
   // The events of a few ticks, which end before `limit` only when there are `count`.
@@ -67,7 +67,7 @@ TEST_F(LogStream, ReplaysALongLogInPieces) {
   const std::string line = std::string(63, 'x') + "\n";
   std::string text;
   while (text.size() < 64 * 1024 - 10) text += line;
-  text += "across the border " + std::string(200 * 1024 - text.size() - 19, 'y') + "\n";
+  text += "across the border " + std::string(size_t{200} * 1024 - text.size() - 19, 'y') + "\n";
   append(text);
   const auto begun = std::chrono::steady_clock::now();
   listen();

@@ -92,29 +92,6 @@ class MethodChannel : public testing::Test {
   std::chrono::steady_clock::duration slowest_answer_{0};
 };
 
-TEST_F(MethodChannel, AnswersWithoutACore) {
-  g_autoptr(FlValue) flag = fl_value_new_bool(false);
-  g_autoptr(FlValue) map = fl_value_new_map();
-  const std::string message =
-      "未检测到 zant 二进制。\n请运行 install.sh 重新安装 Corvana，或 apt/dnf install sing-box。\n"
-      "支持位置：系统 PATH / ${app}/bin/zant / /opt/corvana/bin/zant / /usr/local/bin/zant\n"
-      "详细排错: linux/packaging/README.md";
-  const std::tuple<const char*, FlValue*, std::string> rows[] = {
-      {"checkVpnIsOpen", nullptr, "false"},
-      {"checkTaskComplete", nullptr, status_reply(false, false, false)},
-      {"getTaskResult", map, status_reply(false, false, false)},
-      {"getLastError", flag, k_no_error},
-      {"setLogEnabled", nullptr, "true"},
-      {"setLogEnabled", map, "true"},
-      {"startvpn", nullptr, "not implemented"},
-      {"", nullptr, "not implemented"},
-      {"startVPN", map, "false"},
-      {"checkTaskComplete", nullptr, status_reply(true, false, false)},
-      {"getLastError", nullptr, error_reply("core_missing", message, "")},
-  };
-  for (const auto& [method, args, reply] : rows) EXPECT_EQ(client_.call(method, args), reply);
-}
-
 TEST_F(MethodChannel, ArgumentsOfTheWrongShapeMeanNoConfiguration) {
   use_idle_core();
   g_autoptr(FlValue) wrong_types = fl_value_new_map();
