@@ -21,10 +21,6 @@ ChannelClient::~ChannelClient() {
   g_object_unref(engine_);
 }
 
-FlBinaryMessenger* ChannelClient::messenger() const {
-  return fl_engine_get_binary_messenger(engine_);
-}
-
 static std::string text_of(const UiReply& reply) {
   if (reply.kind == UiReply::Kind::not_implemented) return "not implemented";
   if (reply.kind == UiReply::Kind::error) return "error";

@@ -16,7 +16,7 @@ class ChannelClient {
   ChannelClient(const ChannelClient&) = delete;
   ChannelClient& operator=(const ChannelClient&) = delete;
 
-  FlBinaryMessenger* messenger() const;
+  FlBinaryMessenger* messenger() const { return fl_engine_get_binary_messenger(engine_); }
 
   // Calls a method of "com.corvana.channel/proxy_service" and gives the reply as text:
   // fl_value_to_string of a success, else "not implemented" or "error". `args` may be null.

@@ -25,19 +25,15 @@ TemporaryHome::TemporaryHome() {
 
 TemporaryHome::~TemporaryHome() {
   fs::current_path("/");
+  std::error_code ignored;
   for (const auto& entry : fs::directory_iterator(path_)) {
-    if (entry.is_directory() && !entry.is_symlink()) chmod(entry.path().c_str(), 0700);
+    fs::permissions(entry, fs::perms::owner_all, fs::perm_options::add, ignored);
   }
   fs::remove_all(path_);
 }
 
 void TemporaryHome::allow_only(const std::vector<std::string>& programs) const {
-  for (const std::string& program : programs) {
-    for (const char* directory : {"/usr/bin/", "/usr/sbin/"}) {
-      const std::string target = directory + program;
-      if (fs::exists(target)) fs::create_symlink(target, bin() + "/" + program);
-    }
-  }
+  for (const auto& name : programs) fs::create_symlink("/usr/bin/" + name, bin() + "/" + name);
   setenv("PATH", bin().c_str(), 1);
 }
 
@@ -62,9 +58,7 @@ std::vector<std::string> TemporaryHome::recorded_commands() const {
 
 std::string read_file(const std::string& path) {
   std::ifstream file(path);
-  std::stringstream text;
-  text << file.rdbuf();
-  return text.str();
+  return {std::istreambuf_iterator<char>(file), {}};
 }
 
 void write_file(const std::string& path, const std::string& text) {

@@ -5,8 +5,7 @@
 #include <vector>
 
 // A new directory that is the process's HOME and working directory for the length of a test, with
-// an empty session environment and a "bin" in front of PATH for stand-in programs. Removed at the
-// end.
+// an empty session environment and a "bin" in front of PATH for stand-in programs.
 class TemporaryHome {
  public:
   TemporaryHome();
