@@ -24,12 +24,12 @@ headless_packages=(
 )
 
 test_packages=(
-  # The sandbox, and the client of the proxy tests.
-  bubblewrap curl
+  # The sandbox, and the client and the server of the proxy tests.
+  bubblewrap curl python3
   # The desktops' own tools, which the tests write settings with.
   libkf5config-bin libxfconf-0-3 xfconf
   # Readers of the proxy settings that come from elsewhere.
-  glib-networking libproxy-tools
+  libproxy-tools libproxy1-plugin-gsettings systemd
 )
 
 check_packages=(clang clang-format clang-tidy cppcheck shellcheck)

@@ -20,14 +20,13 @@ bool eventually(const std::function<bool()>& is_so,
 // to a file in the working directory.
 class ChildProcess {
  public:
-  explicit ChildProcess(const std::vector<std::string>& command);
+  explicit ChildProcess(std::vector<std::string> command);
   ~ChildProcess();  // kills it and all that it started
   ChildProcess(const ChildProcess&) = delete;
   ChildProcess& operator=(const ChildProcess&) = delete;
 
   pid_t pid() const { return pid_; }
-  void send(int signal_number) const;
-  std::string console() const;
+  std::string console() const { return read_file(console_path_); }
   bool wait_for(const std::string& text_on_console) const;
 
   // The wait status; nothing when it still runs after the limit.
@@ -37,42 +36,30 @@ class ChildProcess {
   std::string still_running() const;
 
  private:
-  pid_t pid_ = -1;
+  pid_t pid_;
   std::optional<int> status_;
   std::string console_path_;
 };
 
-std::vector<std::string> host_command(std::vector<std::string> arguments);
-
-// From then on a signal makes the host leave; before, it would just end.
-bool wait_until_signals_are_hooked(const ChildProcess& host);
-
-// What a window manager does when somebody presses the close button.
-void close_window(const ChildProcess& host);
-
-// How to tell a host to leave. Ctrl-C and a closed terminal reach its whole process group.
-struct WayOut {
-  const char* name;
-  void (*take)(const ChildProcess& host);
-};
-extern const WayOut k_ways_out[4];
-void PrintTo(const WayOut& way, std::ostream* out);
-
-bool does_core_run();
-
 // What the command prints on standard output, through the shell.
 std::string output_of(const std::string& command);
 
-// A home, free ports and a core configuration with them.
+bool does_core_run();
+
+// What a window manager does when somebody presses the close button of the only window.
+void close_window();
+
+// A home, and in it a core configuration with the mixed port 7890 and the clash API port 9090.
 class HostTest : public testing::Test {
  protected:
   HostTest();
-  std::vector<std::string> connecting(std::vector<std::string> more = {}) const;
 
-  TemporaryHome home_;
-  const int mixed_port_;
-  const int clash_port_;
-  const std::string config_;
+  // The command line of a host that connects at once, behind `launcher`.
+  std::vector<std::string> connecting(const std::vector<std::string>& more = {},
+                                      std::vector<std::string> launcher = {}) const;
+
+  const TemporaryHome home_;
+  const std::string config_ = home_.path() + "/config.json";
 };
 
 #endif
