@@ -29,6 +29,9 @@ pid_t fork() {
   return real();
 }
 
+// The real one can't be called from here: its child would return from this function first.
+pid_t vfork() { return fork(); }
+
 int pthread_create(pthread_t* thread, const pthread_attr_t* attributes, void* (*body)(void*),
                    void* argument) {
   if (g_no_threads) return EAGAIN;
@@ -171,10 +174,13 @@ static const Fault k_faults[] = {
 
 INSTANTIATE_TEST_SUITE_P(Of, Faults, testing::ValuesIn(k_faults));
 
-TEST_F(Host, AStopWithoutCommandsFailsAndTheNextTakesTheProxyBack) {
+TEST_F(Host, AStopWithoutCommandsOrThreadsFailsAndTheNextTakesTheProxyBack) {
   ASSERT_EQ(start(), "done");
   g_no_processes = true;
   EXPECT_EQ(finish("stopVPN"), "failed");
+  g_no_threads = true;
+  EXPECT_EQ(finish("stopVPN"), "failed");
+  EXPECT_EQ(client_.call("getLastError").rfind("{code: thread_failed, message: 无法", 0), 0u);
   EXPECT_EQ(client_.call("checkVpnIsOpen"), "true");
   end_fault();
   EXPECT_EQ(finish("stopVPN"), "done");

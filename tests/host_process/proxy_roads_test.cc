@@ -81,24 +81,28 @@ static const std::string
         "xfconf-query -c xfce4-session -p /general/ProxyHTTP -n -t string -s 127.0.0.1"
         " -t int -s 7890 --create|";
 
-static const Road k_roads[] = {
-    {"gnome", {"gsettings"}, k_gnome_on, k_gnome_off},
-    {"gnome", {}, "", ""},
+static const Road k_gnome_roads[] = {
+    {"gnome", {"gsettings"}, k_gnome_on, k_gnome_off}, {"gnome", {}, "", ""},
+    {"mate", {"gsettings"}, k_gnome_on, k_gnome_off},  {"mate", {}, "", ""},
+    {"lxde", {"gsettings"}, k_gnome_on, k_gnome_off},  {"lxde", {}, "", ""},
+    {"other", {"gsettings"}, k_gnome_on, k_gnome_off}, {"other", {}, "", ""},
+};
+
+static const Road k_kde_roads[] = {
     {"kde", {"gsettings", "kwriteconfig5"}, k_kde_on, k_gnome_off + k_kde_off},
     {"kde", {"kwriteconfig5"}, k_kde_on, k_kde_off},
     {"kde", {"kwriteconfig5", "kwriteconfig6"}, k_kde_on, k_kde_off},
     {"kde", {"gsettings"}, k_gnome_on, k_gnome_off},
     {"kde", {}, "", ""},
+};
+
+static const Road k_xfce_roads[] = {
     {"xfce", {"gsettings", "xfconf-query"}, k_xfce_on + k_gnome_on, k_gnome_off + k_gnome_off},
     {"xfce", {"xfconf-query"}, k_xfce_on, ""},
     {"xfce", {"gsettings"}, k_gnome_on, k_gnome_off},
     {"xfce", {}, "", ""},
-    {"mate", {"gsettings"}, k_gnome_on, k_gnome_off},
-    {"mate", {}, "", ""},
-    {"lxde", {"gsettings"}, k_gnome_on, k_gnome_off},
-    {"lxde", {}, "", ""},
-    {"other", {"gsettings"}, k_gnome_on, k_gnome_off},
-    {"other", {}, "", ""},
 };
 
-INSTANTIATE_TEST_SUITE_P(On, ProxyRoads, testing::ValuesIn(k_roads));
+INSTANTIATE_TEST_SUITE_P(Gnome, ProxyRoads, testing::ValuesIn(k_gnome_roads));
+INSTANTIATE_TEST_SUITE_P(Kde, ProxyRoads, testing::ValuesIn(k_kde_roads));
+INSTANTIATE_TEST_SUITE_P(Xfce, ProxyRoads, testing::ValuesIn(k_xfce_roads));

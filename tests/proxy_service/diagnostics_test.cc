@@ -7,18 +7,6 @@
 #include "support/channel_client.h"
 #include "support/temporary_home.h"
 
-TEST(Diagnostics, EveryProbeFalse) {
-  const TemporaryHome home;
-  home.allow_only({});
-  EXPECT_EQ(ChannelClient().call("getDiagnostics"),
-            "{desktop: other, sessionType: , hasLibproxy: false, hasTunDevice: false,"
-            " hasZantSystem: false, helperActive: false, hasGsettings: false,"
-            " hasKwriteconfig: false, appDir: " +
-                get_executable_dir() +
-                ", activeCore: zant, corePath: , coreExists: false, runtimeLogPath: " +
-                home.path() + "/.local/share/Corvana/run/runtime.log}");
-}
-
 TEST(Diagnostics, EveryProbeTrueAndTheShapesOfTheVersion) {
   const TemporaryHome home;
   home.allow_only({"grep", "head"});

@@ -1,5 +1,4 @@
 #include <gtest/gtest.h>
-#include <pthread.h>
 #include <stdlib.h>
 
 #include <filesystem>
@@ -191,17 +190,4 @@ TEST_F(MethodChannel, AProcessThatOnlyLooksLikeACoreSurvivesTheStop) {
             "停止代理服务失败，尝试强制终止...\n无法终止代理服务\n");
   EXPECT_EQ(gnome_modes(), "none;");
   system("pkill -9 -x sleep");
-}
-
-TEST_F(MethodChannel, ATaskWithoutAThreadIsAFailedTask) {
-  use_idle_core();
-  pthread_attr_t beyond_memory;
-  pthread_attr_init(&beyond_memory);
-  pthread_attr_setstacksize(&beyond_memory, size_t{1} << 48);
-  ASSERT_EQ(pthread_setattr_default_np(&beyond_memory), 0);
-  for (const char* const method : {"startVPN", "stopVPN"}) {
-    EXPECT_EQ(client_.call(method), "false");
-    EXPECT_EQ(client_.call("checkTaskComplete"), status_reply(true, false, false));
-    EXPECT_EQ(client_.call("getLastError").rfind("{code: thread_failed, message: 无法", 0), 0u);
-  }
 }

@@ -5,7 +5,6 @@
 
 #include <csignal>
 #include <cstdio>
-#include <thread>
 
 #include "support/temporary_home.h"
 
@@ -17,33 +16,11 @@ static std::string run(const std::string& command) {
   return std::to_string(WEXITSTATUS(pclose(pipe))) + " " + output;
 }
 
-// Opens a free port and gives its "127.0.0.1:port".
-static std::string open_port(GSocketListener* listener) {
-  const int port = g_socket_listener_add_any_inet_port(listener, nullptr, nullptr);
-  return "127.0.0.1:" + std::to_string(port);
-}
-
+// Gives "127.0.0.1:port".
 static std::string free_port() {
   g_autoptr(GSocketListener) listener = g_socket_listener_new();
-  return open_port(listener);
-}
-
-static const std::string k_page(2'000'000, 'x');
-
-static gboolean send_page(GThreadedSocketService*, GIOStream* client) {
-  char request[4096];
-  g_input_stream_read(g_io_stream_get_input_stream(client), request, sizeof request, nullptr,
-                      nullptr);
-  const std::string reply = "HTTP/1.0 200 OK\r\n\r\n" + k_page;
-  return g_output_stream_write_all(g_io_stream_get_output_stream(client), reply.data(),
-                                   reply.size(), nullptr, nullptr, nullptr);
-}
-
-static std::string start_web_server() {
-  GSocketService* service = g_threaded_socket_service_new(-1);
-  g_signal_connect(service, "run", G_CALLBACK(send_page), nullptr);
-  std::thread([] { g_main_loop_run(g_main_loop_new(nullptr, FALSE)); }).detach();
-  return open_port(G_SOCKET_LISTENER(service));
+  const int port = g_socket_listener_add_any_inet_port(listener, nullptr, nullptr);
+  return "127.0.0.1:" + std::to_string(port);
 }
 
 class SampleCore : public testing::Test {
@@ -69,13 +46,9 @@ class SampleCore : public testing::Test {
   GSubprocess* core_ = nullptr;
 };
 
-TEST_F(SampleCore, ServesEveryKindOfProxyClient) {
-  const std::string fetch = "curl -sS ", server = start_web_server();
-  EXPECT_EQ(run(fetch + clash_ + "/version"),
+TEST_F(SampleCore, SaysItsVersion) {
+  EXPECT_EQ(run("curl -sS " + clash_ + "/version"),
             R"(0 {"version":"1.0.0","meta":false,"premium":false})");
-  for (const char* way : {"-x ", "-p -x ", "--socks5-hostname "}) {
-    EXPECT_TRUE(run(fetch + server + " " + way + mixed_) == "0 " + k_page) << way;
-  }
 }
 
 TEST_F(SampleCore, EndsWithOneLineOnABadCommandLine) {
