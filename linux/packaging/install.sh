@@ -3,7 +3,7 @@
 set -euo pipefail
 shopt -s inherit_errexit
 
-script_dir=$(cd -- "$(dirname -- "${BASH_SOURCE[0]}")" && pwd -P)
+script_dir=$(dirname -- "$(realpath -- "${BASH_SOURCE[0]}")")
 readonly script_dir record_name=.install-manifest core_file=bin/zant
 readonly required_files=(Corvana lib/libflutter_linux_gtk.so logo.png)
 
@@ -81,6 +81,11 @@ require_bundle() {
     [[ -f $bundle/$file ]] || fail "$bundle 中没有 $file，不是构建好的程序；请先构建，或用 --bundle 指定目录"
   done
   [[ -x $bundle/Corvana ]] || fail "$bundle/Corvana 不可执行"
+}
+
+# The next run would take the installation for a part of the bundle.
+require_place_outside_bundle() {
+  [[ $prefix != "$bundle"/* ]] || fail "安装位置不能在程序目录 $bundle 里面；请用 --prefix 另选位置"
 }
 
 require_core() {
@@ -195,6 +200,7 @@ running_processes() {
 install_bundle() {
   local files folders
   require_bundle
+  require_place_outside_bundle
   require_core
   require_writable
   files=$(wanted_files)
@@ -239,7 +245,7 @@ uninstall() {
   rm -f -- "$prefix/$record_name"
   folders_only <<<"$record" | sort -r | remove_recorded
   say "已从 $prefix 卸载"
-  if [[ -d $prefix ]]; then say "$prefix 中还有不是本脚本安装的文件，已保留"; fi
+  if [[ -n $(ls -A -- "$prefix" 2>/dev/null || true) ]]; then say "$prefix 中还有不是本脚本安装的文件，已保留"; fi
 }
 
 main() {
