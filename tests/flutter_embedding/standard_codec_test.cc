@@ -56,10 +56,6 @@ TEST(StandardCodec, BytesAndTheirValues) {
 TEST(StandardCodec, AKeyThatComesAgainReplacesItsValue) {
   const std::pair<Bytes, const char*> rows[] = {
       {{13, 3, 3, 7, 0, 0, 0, 1, 0, 0, 4, 7, 0, 0, 0, 0, 0, 0, 0, 2}, "{7: false, null: null}"},
-      // Zero has two signs and is one key.
-      {{13, 2, 6, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0,    0, 1,
-        6,  0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0x80, 2},
-       "{0: false}"},
       {{13, 2, 3, 1, 0, 0, 0, 1, 6, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0xf0, 0x3f, 2},
        "{1: true, 1: false}"},
   };

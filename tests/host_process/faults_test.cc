@@ -6,6 +6,7 @@
 #include <atomic>
 #include <cerrno>
 #include <cstdio>
+#include <cstring>
 #include <ctime>
 #include <filesystem>
 
@@ -98,7 +99,7 @@ class Host : public HostTest {
   std::string start(const char* config = "config.json") {
     g_autoptr(FlValue) args = fl_value_new_map();
     fl_value_set_string_take(args, "configPath", fl_value_new_string(config));
-    const std::string end = finish("startVPN", args);
+    std::string end = finish("startVPN", args);
     if (end != "failed") return end;
     const std::string error = client_.call("getLastError");
     EXPECT_TRUE(g_utf8_validate(error.data(), static_cast<gssize>(error.size()), nullptr));
@@ -143,8 +144,7 @@ TEST_P(Faults, EndInAnAnswerAndTheNextStartWorks) {
   fault.begin();
   const std::string outcome = start();
   end_fault();
-  EXPECT_TRUE(outcome != "" && std::string(fault.outcomes).find(outcome) != outcome.npos)
-      << outcome;
+  EXPECT_TRUE(!outcome.empty() && strstr(fault.outcomes, outcome.c_str()) != nullptr) << outcome;
 
   if (*fault.program != '\0') fs::remove(home_.bin() + "/" + fault.program);
   install_core();
@@ -177,7 +177,10 @@ INSTANTIATE_TEST_SUITE_P(Of, Faults, testing::ValuesIn(k_faults));
 TEST_F(Host, AStopWithoutCommandsOrThreadsFailsAndTheNextTakesTheProxyBack) {
   ASSERT_EQ(start(), "done");
   g_no_processes = true;
+  testing::internal::CaptureStderr();
   EXPECT_EQ(finish("stopVPN"), "failed");
+  EXPECT_EQ(testing::internal::GetCapturedStderr(),
+            "停止代理服务失败，尝试强制终止...\n无法终止代理服务\n");
   g_no_threads = true;
   EXPECT_EQ(finish("stopVPN"), "failed");
   EXPECT_EQ(client_.call("getLastError").rfind("{code: thread_failed, message: 无法", 0), 0u);

@@ -22,10 +22,14 @@ bool eventually(const std::function<bool()>& is_so, std::chrono::milliseconds li
   return true;
 }
 
-ChildProcess::ChildProcess(std::vector<std::string> command) {
+static std::string next_console_path() {
   static int count = 0;
-  console_path_ = std::filesystem::current_path() / ("console-" + std::to_string(++count));
+  return std::filesystem::current_path() / ("console-" + std::to_string(++count));
+}
+
+ChildProcess::ChildProcess(std::vector<std::string> command) : console_path_(next_console_path()) {
   std::vector<char*> words;
+  words.reserve(command.size() + 1);
   for (std::string& word : command) words.push_back(word.data());
   words.push_back(nullptr);
   pid_ = fork();

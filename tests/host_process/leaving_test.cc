@@ -124,8 +124,9 @@ TEST_P(Leaving, LeavesNothingBehindAtAnyMoment) {
   int moments = 0, failures = 0;
   for (int i = 0; i < 2 * moments_of_a_phase; ++i) {
     const bool slow = i % 2 != 0;
+    const int part = i / 2;
     for (const Phase& during : k_phases) {
-      const double place = i / 2 + std::uniform_real_distribution<>()(random);
+      const double place = part + std::uniform_real_distribution<>()(random);
       // The short form takes slow tools at two phases and fast ones at the third, by turns.
       const bool takes_fast = &during == k_phases + 1 + GetParam() % 2;
       if (!is_long && slow == takes_fast) continue;

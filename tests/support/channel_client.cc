@@ -28,7 +28,7 @@ static std::string text_of(const UiReply& reply) {
   return text;
 }
 
-std::string ChannelClient::call(const char* method, FlValue* args) {
+std::string ChannelClient::call(const char* method, FlValue* args) const {
   std::optional<std::string> text;
   ui_invoke_method(messenger(), k_channel, method, args,
                    [&text](const UiReply& reply) { text = text_of(reply); });

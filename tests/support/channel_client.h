@@ -20,7 +20,7 @@ class ChannelClient {
 
   // Calls a method of "com.corvana.channel/proxy_service" and gives the reply as text:
   // fl_value_to_string of a success, else "not implemented" or "error". `args` may be null.
-  std::string call(const char* method, FlValue* args = nullptr);
+  std::string call(const char* method, FlValue* args = nullptr) const;
 
  private:
   FlEngine* engine_;
