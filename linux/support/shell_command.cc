@@ -57,12 +57,13 @@ class Patience {
 
 }  // namespace
 
-// In a child that still shares the host's memory: nothing but system calls. All signals are
-// blocked. A Ctrl-C that has come since the fork was meant for the host; ignoring it for a moment
-// throws it away, and from the new group on no more of them come.
+// In a child that still shares the host's memory: nothing but system calls, and all signals blocked
+// until no handler of the host's is left. A Ctrl-C that has come since the fork was meant for the
+// host, as was a Ctrl-Z, which would leave the host waiting for a stopped child; ignoring it for a
+// moment throws it away, and from the new group on no more of them come.
 [[noreturn]] static void become_shell(const char* text, int output, const sigset_t& mask) {
   setpgid(0, 0);
-  for (const int signal_number : {SIGINT, SIGHUP, SIGTERM, SIGQUIT}) {
+  for (int signal_number = 1; signal_number < NSIG; ++signal_number) {
     const auto before = std::signal(signal_number, SIG_IGN);
     if (before != SIG_IGN) std::signal(signal_number, SIG_DFL);
   }
