@@ -1,5 +1,5 @@
 # shellcheck shell=bash
-# What ./run, ./test and scripts/check share: messages, Debian packages, the build. Expects `root`, the project's folder.
+# What ./run, ./test and the scripts here share: messages, Debian packages, the build. Expects `root`, the project's folder.
 
 # shellcheck source=scripts/packages.sh disable=SC2154
 . "$root/scripts/packages.sh"
@@ -51,6 +51,17 @@ install_missing() {
 
 preset_build_dir() {
   if [[ $1 == release ]]; then echo "$root/build"; else echo "$root/build-$1"; fi
+}
+
+# Keeps others away from the preset's build folder until this script and what it has become have ended.
+hold_build() {
+  local folder
+  folder=$(preset_build_dir "$1")
+  mkdir -p -- "$folder"
+  exec 9>"$folder/.lock"
+  flock -n 9 && return
+  say "waiting for another script that uses $folder"
+  flock 9
 }
 
 # build_preset PRESET [argument for the configuration]...
