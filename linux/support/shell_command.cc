@@ -76,7 +76,7 @@ class Patience {
 // The shell leads a process group of its own: a Ctrl-C in the host's terminal must not end the very
 // commands that take the proxy back, and a hung command can be ended with its children. Standard
 // output goes to `output`, or where the host's goes when that is -1. -1 when no process can be made.
-// Not fork: copying the page tables of a process with a window takes longer than most commands.
+// Not fork: copying the page tables of a process with a window takes as long as a short command.
 static pid_t fork_shell(const std::string& text, int output) {
   sigset_t all_signals;
   sigset_t mask;
