@@ -9,7 +9,9 @@ void try_input(FuzzedDataProvider& input) {
   if (value == nullptr) return;
   g_autoptr(GBytes) encoded = encode_value(value.get(), nullptr);
   const ValueRef again = decode_value(encoded, nullptr);
-  // A value with a NaN in it doesn't even equal itself.
+  // A value with a NaN in it doesn't even equal itself; its bytes do.
   const bool equals_itself = fl_value_equal(value.get(), value.get());
   require(again != nullptr && fl_value_equal(value.get(), again.get()) == equals_itself);
+  g_autoptr(GBytes) encoded_again = encode_value(again.get(), nullptr);
+  require(g_bytes_equal(encoded, encoded_again));
 }
