@@ -85,7 +85,7 @@ static bool start_until_complete() {
   return read_task_state().result;
 }
 
-static bool run_script() { return shell_command_succeeds("sh '" START_COMMANDS "'"); }
+static bool run_script() { return shell_command_succeeds(". '" START_COMMANDS "'"); }
 
 static bool run_script_with_a_shell_for_each_command() {
   return shell_command_succeeds(
