@@ -1,14 +1,16 @@
 # Makes the table from lines of a name and a value. Ends with 1 when a figure is missing.
 
 function figure(name) {
-  if (name in figures) return figures[name]
+  if (figures[name] != "") return figures[name]
   print "bench: no figure for " name > "/dev/stderr"
   incomplete = 1
   return 0
 }
 
 function ratio(name, floor) {
-  return figure(floor) == 0 ? 0 : figure(name) / figure(floor)
+  if (figure(floor) > 0) return figure(name) / figure(floor)
+  incomplete = 1
+  return 0
 }
 
 function line(what, against, measured, limit, verdict) {
@@ -16,8 +18,11 @@ function line(what, against, measured, limit, verdict) {
 }
 
 function row(what, against, measured, unit, limit, note) {
-  line(what, against, sprintf("%.3g%s", measured, unit), limit unit, \
-       measured <= limit ? "reached (" note ")" : "missed: " note)
+  if (incomplete) line(what, against, "?", limit unit, "not measured")
+  else line(what, against, sprintf("%.3g%s", measured, unit), limit unit, \
+            measured <= limit ? "reached (" note ")" : "missed: " note)
+  status = status || incomplete
+  incomplete = 0
 }
 
 { figures[$1] = $2 }
@@ -58,5 +63,5 @@ END {
       sprintf("%.0f ms and %.0f ms; by processor time %.3gx", figure("window_host"), figure("window_bare"), \
               ratio("window_processor_host", "window_processor_bare")))
   print "Medians but where it says otherwise, of runs in turns. Functions and pgrep are measured in processor time."
-  exit incomplete
+  exit status
 }
