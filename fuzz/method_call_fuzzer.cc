@@ -15,12 +15,17 @@
 // Answers every command. The worker and the main thread never draw from it at the same time.
 static FuzzedDataProvider* g_input;
 
+static std::string text_without_nul(size_t most) {
+  const std::string text = g_input->ConsumeRandomLengthString(most);
+  return text.substr(0, text.find('\0'));
+}
+
 int run_shell_command(const std::string&) { return g_input->ConsumeBool() ? 0 : -1; }
 bool shell_command_succeeds(const std::string&) { return g_input->ConsumeBool(); }
 std::string read_command_output(const std::string&) { return g_input->ConsumeRandomLengthString(); }
 std::string read_first_line(const std::string& command, size_t size) {
   if (command.rfind("command -v", 0) == 0) return g_input->ConsumeBool() ? "/bin/true" : "";
-  return g_input->ConsumeRandomLengthString(size - 1).c_str();
+  return text_without_nul(size - 1);
 }
 std::chrono::milliseconds time_since_shell_activity() { return {}; }
 bool is_process_running(const std::string&) { return false; }
@@ -72,7 +77,7 @@ void try_input(FuzzedDataProvider& input) {
   static FlEngine* const engine = engine_with_handler();
   g_input = &input;
   const std::string method = input.PickValueInArray(k_methods);
-  const std::string prefix = input.ConsumeRandomLengthString(20).c_str();
+  const std::string prefix = text_without_nul(20);
   g_autofree gchar* name = g_utf8_make_valid((prefix + method).c_str(), -1);
   const auto bytes = input.ConsumeBytes<uint8_t>(input.ConsumeIntegralInRange<size_t>(0, 4096));
   g_autoptr(GBytes) message = g_bytes_new(bytes.data(), bytes.size());
