@@ -4,8 +4,10 @@
 
 #include "exit_cleanup.h"
 #include "my_application.h"
+#include "support/console.h"
 
 int main(int argc, char** argv) {
+  keep_standard_streams_open();
   // A console that has gone away must not end the host before it has taken the proxy back. A
   // handler, not SIG_IGN: the programs that the host starts would inherit that.
   std::signal(SIGPIPE, [](int) {});

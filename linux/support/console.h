@@ -3,6 +3,11 @@
 
 #include <string>
 
+// Opens /dev/null in the place of each standard stream that the launcher has closed. Otherwise the
+// next connection, such as the one to the display, gets its number, and with it the console's lines.
+// Fails silently. To be called before anything else is opened.
+void keep_standard_streams_open();
+
 // Both write `line` (UTF-8, may hold line feeds of its own) and a line feed to their stream as one
 // piece and flush it. A stream that can't be written to is no error. Any thread.
 void print_line(const std::string& line);
