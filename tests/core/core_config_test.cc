@@ -8,7 +8,6 @@ TEST(CoreConfig, ClashApiPort) {
   const PortRows rows = {
       {R"({"external_controller":"0.0.0.0:9090"})", 9090},
       {"\"external_controller\"\t:\r\n \":9090\"", 9090},
-      {R"("external_controller": "localhost:-5")", -5},
       {R"("external_controller": "[::1]:9090")", 0},
       {R"("external_controller": "x:2147483648")", 0},
       {R"({"external_controller": 1, "external_controller": "x:9090"})", 0},
@@ -19,7 +18,6 @@ TEST(CoreConfig, ClashApiPort) {
 TEST(CoreConfig, MixedPort) {
   const PortRows rows = {
       {R"({"type": "mixed", "listen_port": "7890"})", 7890},
-      {"\"mixed\" listen_port\t:007", 7},
       {"\"mixed\" \"listen_port\":\n7890", 0},
       {R"([{"type": "socks", "listen_port": 1}, {"type": "mixed", "listen_port": 2}])", 2},
       {R"([{"listen_port": 1, "type": "mixed"}, {"type": "socks", "listen_port": 2}])", 2},

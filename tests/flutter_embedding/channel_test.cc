@@ -85,16 +85,6 @@ TEST_F(Channel, EveryKindOfAnswerArrivesLater) {
   EXPECT_EQ(second_answer, MESSENGER_ERROR_ALREADY_ANSWERED);
 }
 
-TEST_F(Channel, NestedMainLoopGoesOnDelivering) {
-  std::shared_ptr<std::string> queued;
-  ui_invoke_method(messenger, "m", "first", nullptr, [&](const UiReply&) {
-    run_loop();
-    EXPECT_EQ(*queued, "not implemented");
-  });
-  queued = invoke("queued");
-  run_loop();
-}
-
 TEST_F(Channel, HandlerAndEngineEndWithCallsUnderWay) {
   auto handler_token = std::make_shared<int>(), reply_token = std::make_shared<int>();
   const std::weak_ptr<int> handler_lives = handler_token, replies_live = reply_token;
