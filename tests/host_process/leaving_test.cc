@@ -209,7 +209,6 @@ TEST_F(LeavingTest, AfterAKillTheNextLaunchTakesTheProxyBackOnlyFromADeadCore) {
     // The window goes over from connected to disconnecting only because it saw itself connected.
     ChildProcess next({CORVANA_EXECUTABLE, "--quit"});
     ASSERT_TRUE(wait_until_signals_are_hooked(next));
-    std::this_thread::sleep_for(300ms);
     EXPECT_EQ(core_lives, fs::last_write_time("answered") == last_answer);
     EXPECT_EQ(core_lives ? "manual\n" : "none\n", read_file("settings/proxy.mode"));
     EXPECT_EQ("", faults_at_the_end(next));
