@@ -16,11 +16,9 @@ static std::string run(const std::string& command) {
   return std::to_string(WEXITSTATUS(pclose(pipe))) + " " + output;
 }
 
-// Gives "127.0.0.1:port".
 static std::string free_port() {
   g_autoptr(GSocketListener) listener = g_socket_listener_new();
-  const int port = g_socket_listener_add_any_inet_port(listener, nullptr, nullptr);
-  return "127.0.0.1:" + std::to_string(port);
+  return std::to_string(g_socket_listener_add_any_inet_port(listener, nullptr, nullptr));
 }
 
 class SampleCore : public testing::Test {
@@ -28,7 +26,7 @@ class SampleCore : public testing::Test {
   SampleCore() {
     write_file("core.json", R"({"experimental": {"clash_api": {"external_controller": ")" + clash_ +
                                 R"("}}, "inbounds": [{"type": "mixed", "listen_port": )" +
-                                mixed_.substr(mixed_.find(':') + 1) + "}]}");
+                                mixed_port_ + "}]}");
     core_ = g_subprocess_new(G_SUBPROCESS_FLAGS_STDOUT_SILENCE, nullptr, SAMPLE_CORE_PATH, "run",
                              "-c", "core.json", "-D", home_.bin().c_str(), nullptr);
     for (int i = 0; i < 200 && run("curl -s " + clash_)[0] != '0'; ++i) g_usleep(50'000);
@@ -41,14 +39,22 @@ class SampleCore : public testing::Test {
   }
 
   TemporaryHome home_;
-  const std::string mixed_ = free_port();
-  const std::string clash_ = free_port();
+  const std::string mixed_port_ = free_port();
+  const std::string clash_ = "127.0.0.1:" + free_port();
   GSubprocess* core_ = nullptr;
 };
 
 TEST_F(SampleCore, SaysItsVersion) {
   EXPECT_EQ(run("curl -sS " + clash_ + "/version"),
             R"(0 {"version":"1.0.0","meta":false,"premium":false})");
+}
+
+TEST_F(SampleCore, PassesOnWhatIsSentAheadOfItsAnswer) {
+  const std::string requests =
+      "CONNECT " + clash_ + R"( HTTP/1.1\r\n\r\nGET /version HTTP/1.0\r\n\r\n)";
+  const std::string replies = run("timeout 20 bash -c 'exec 3<>/dev/tcp/127.0.0.1/" + mixed_port_ +
+                                  "; printf \"" + requests + "\" >&3; cat <&3'");
+  EXPECT_NE(replies.find("1.0.0"), std::string::npos) << replies;
 }
 
 TEST_F(SampleCore, EndsWithOneLineOnABadCommandLine) {
