@@ -8,9 +8,11 @@
 
 int main(int argc, char** argv) {
   keep_standard_streams_open();
-  // A console that has gone away must not end the host before it has taken the proxy back. A
-  // handler, not SIG_IGN: the programs that the host starts would inherit that.
-  std::signal(SIGPIPE, [](int) {});
+  // A console that has gone away must not end the host before it has taken the proxy back, nor the
+  // tools that do so.
+  std::signal(SIGPIPE, SIG_IGN);
+  // A launcher that ignores this leaves no way to learn how a command has ended.
+  std::signal(SIGCHLD, SIG_DFL);
   MyApplication* const application = my_application_new();
   const int exit_status = g_application_run(G_APPLICATION(application), argc, argv);
   g_object_unref(application);

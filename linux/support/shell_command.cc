@@ -60,12 +60,14 @@ class Patience {
 // In a child that still shares the host's memory: nothing but system calls, and all signals blocked
 // until no handler of the host's is left. A Ctrl-C that has come since the fork was meant for the
 // host, as was a Ctrl-Z, which would leave the host waiting for a stopped child; ignoring it for a
-// moment throws it away, and from the new group on no more of them come.
+// moment throws it away, and from the new group on no more of them come. What the terminal sends to
+// a group in its background stays ignored: a tool's warning must not stop the tool.
 [[noreturn]] static void become_shell(const char* text, int output, const sigset_t& mask) {
   setpgid(0, 0);
   for (int signal_number = 1; signal_number < NSIG; ++signal_number) {
     const auto before = std::signal(signal_number, SIG_IGN);
-    if (before != SIG_IGN) std::signal(signal_number, SIG_DFL);
+    const bool from_terminal = signal_number == SIGTTOU || signal_number == SIGTTIN;
+    if (before != SIG_IGN && !from_terminal) std::signal(signal_number, SIG_DFL);
   }
   if (output >= 0) dup2(output, STDOUT_FILENO);
   sigprocmask(SIG_SETMASK, &mask, nullptr);
@@ -133,23 +135,20 @@ static std::string read_output(const std::string& command,
   int ends[2];
   // Close-on-exec: a core that is launched meanwhile on another thread must not inherit the pipe.
   if (pipe2(ends, O_CLOEXEC) != 0) return "";
+  UniqueFd output(ends[0]);
+  UniqueFd input(ends[1]);
+  const pid_t shell = fork_shell(command, input.get());
+  input.reset();
+  if (shell < 0) return "";
   std::string text;
-  pid_t shell = -1;
   Patience patience;
-  {
-    const UniqueFd output(ends[0]);
-    {
-      const UniqueFd input(ends[1]);
-      shell = fork_shell(command, input.get());
-    }
-    if (shell < 0) return "";
-    char chunk[4096];
-    while (!is_enough(text) && wait_until_readable(output.get(), patience)) {
-      const ssize_t count = read(output.get(), chunk, sizeof chunk);
-      if (count <= 0) break;
-      text.append(chunk, static_cast<size_t>(count));
-    }
+  char chunk[4096];
+  while (!is_enough(text) && wait_until_readable(output.get(), patience)) {
+    const ssize_t count = read(output.get(), chunk, sizeof chunk);
+    if (count <= 0) break;
+    text.append(chunk, static_cast<size_t>(count));
   }
+  output.reset();
   finish_shell(shell, patience);
   return text;
 }
@@ -159,8 +158,9 @@ std::string read_first_line(const std::string& command, size_t buffer_size) {
   std::string line = read_output(command, [most_bytes](const std::string& text) {
     return text.size() >= most_bytes || text.find('\n') != text.npos;
   });
-  line.resize(std::min(line.find('\n'), std::min(line.size(), most_bytes)));
-  line.resize(std::min(line.find('\0'), line.size()));
+  line.resize(std::min(line.size(), most_bytes));
+  line.erase(std::find(line.begin(), line.end(), '\n'), line.end());
+  line.erase(std::find(line.begin(), line.end(), '\0'), line.end());
   line.erase(line.find_last_not_of("\r\n") + 1);
   return line;
 }
