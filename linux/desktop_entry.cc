@@ -29,12 +29,14 @@ static bool contains_ignoring_case(const char* text, const char* word) {
 }
 
 static void install_icon(const std::string& source, const std::string& target) {
-  if (!path_exists(source)) {
+  if (!fs::exists(source)) {
     print_error_line("警告: 图标文件未找到，桌面图标可能无法正常显示");
+    return;
   }
   try {
-    if (!fs::exists(source)) return;
-    fs::copy_file(source, target, fs::copy_options::overwrite_existing);
+    // A copy of a read-only file can't be overwritten.
+    fs::remove(target);
+    fs::copy_file(source, target);
     print_line("已复制图标到标准位置: " + target);
   } catch (const std::exception& error) {
     print_error_line(std::string("复制图标到标准位置失败: ") + error.what());

@@ -16,8 +16,8 @@ static constexpr char k_fallback_icon_name[] = "{CONF_MERCHANT_BRAND_NAME_EN_LOW
 static bool set_icon_from_file(GtkWindow* window, const std::string& path) {
   g_autoptr(GError) error = nullptr;
   if (!gtk_window_set_icon_from_file(window, path.c_str(), &error)) {
-    const char* const reason = error == nullptr ? "" : error->message;
-    print_error_line(std::string("gtk_window_set_icon_from_file 失败: ") + reason);
+    if (error == nullptr) return false;
+    print_error_line(std::string("gtk_window_set_icon_from_file 失败: ") + error->message);
     return false;
   }
   g_autoptr(GdkPixbuf) image = gdk_pixbuf_new_from_file(path.c_str(), nullptr);

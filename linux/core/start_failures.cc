@@ -29,7 +29,7 @@ void record_config_missing(const std::string& config_path) {
 
 void record_core_missing() { set_last_error("core_missing", k_core_missing_message, ""); }
 
-void record_core_missing_at_once() {
+void record_core_missing_before_start() {
   set_last_error("core_missing",
                  std::string(k_core_missing_message) + "\n详细排错: linux/packaging/README.md", "");
 }

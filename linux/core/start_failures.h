@@ -12,7 +12,7 @@ void record_core_not_running(const std::string& log_path);
 void record_port_not_ready(int clash_port, const std::string& log_path);
 
 // The start was refused before any worker ran: says also where to read on.
-void record_core_missing_at_once();
+void record_core_missing_before_start();
 
 // No thread could be made for a task, or its worker ended in an exception. Lets none out itself:
 // where memory has run out, the record stays as it is.

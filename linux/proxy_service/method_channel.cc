@@ -2,6 +2,8 @@
 
 #include <cstring>
 #include <exception>
+#include <functional>
+#include <utility>
 
 #include "core/core_binary.h"
 #include "core/core_name.h"
@@ -19,31 +21,30 @@ static FlValue* check_vpn_is_open(FlValue*) {
   return fl_value_new_bool(is_process_running(k_core_name));
 }
 
+static bool hand_over(std::function<void()> task) {
+  begin_task();
+  if (start_worker(std::move(task))) return true;
+  record_thread_failed();
+  publish_task_result(false);
+  return false;
+}
+
 static FlValue* start_vpn(FlValue* args) {
   if (find_zant_binary().empty()) {
-    record_core_missing_at_once();
+    record_core_missing_before_start();
     publish_task_result(false);
     return fl_value_new_bool(false);
   }
   clear_last_error();
   fl_value_ref(args);
-  begin_task();
-  const bool handed_over = start_worker([args] { start_vpn_thread(args); });
-  if (!handed_over) {
-    fl_value_unref(args);
-    record_thread_failed();
-    publish_task_result(false);
-  }
+  const bool handed_over = hand_over([args] { start_vpn_thread(args); });
+  if (!handed_over) fl_value_unref(args);
   return fl_value_new_bool(handed_over);
 }
 
 // The reply is false also when the stop will succeed: the user interface looks at the task state.
 static FlValue* stop_vpn(FlValue*) {
-  begin_task();
-  if (!start_worker(stop_vpn_thread)) {
-    record_thread_failed();
-    publish_task_result(false);
-  }
+  hand_over(stop_vpn_thread);
   return fl_value_new_bool(false);
 }
 
