@@ -1,6 +1,7 @@
 find_package(PkgConfig REQUIRED)
 find_package(Threads REQUIRED)
 pkg_check_modules(GTK REQUIRED IMPORTED_TARGET gtk+-3.0 gio-unix-2.0)
+pkg_check_modules(DISPLAY REQUIRED IMPORTED_TARGET x11 wayland-client)
 pkg_check_modules(DBUS REQUIRED IMPORTED_TARGET dbus-1)
 pkg_check_modules(PROXY REQUIRED IMPORTED_TARGET libproxy-1.0)
 

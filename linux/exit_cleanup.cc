@@ -1,6 +1,5 @@
 #include "exit_cleanup.h"
 
-#include <gio/gio.h>
 #include <glib-unix.h>
 
 #include <csignal>
@@ -9,11 +8,11 @@
 
 #include "core/core_name.h"
 #include "core/process_probe.h"
+#include "core/stranded_proxy.h"
 #include "core/termination.h"
 #include "core/workers.h"
 #include "support/console.h"
 #include "support/leaving.h"
-#include "system_proxy/system_proxy.h"
 
 static constexpr int k_exit_signals[] = {SIGTERM, SIGINT, SIGHUP};
 
@@ -33,11 +32,19 @@ static void attempt(void (*step)()) {
 
 static void clean_up_core() {
   const bool core_runs = is_process_running(k_core_name);
-  if (!core_runs && !is_proxy_without_core()) return;
+  if (!core_runs && !is_proxy_stranded()) return;
   // The proxy goes first: with the core dead and the proxy still set, the desktop has no internet.
-  attempt(clear_system_proxy);
-  note_proxy_without_core(false);
+  attempt(take_back_proxy);
   if (core_runs) attempt(terminate_core);
+}
+
+void announce_leaving(const char* line) {
+  begin_leaving();
+  try {
+    print_line(line);
+  } catch (const std::exception&) {
+    // Leaving is what counts.
+  }
 }
 
 void leave_cleanly() {
@@ -48,26 +55,17 @@ void leave_cleanly() {
   attempt(clean_up_core);
 }
 
-static gboolean ignore_signal(gpointer) { return G_SOURCE_CONTINUE; }
-
-// Once a source of a signal is gone, the signal would end the process at once: a second Ctrl-C
-// would leave the proxy behind.
-static void keep_signals_from_ending_the_process() {
-  for (const int signal_number : k_exit_signals) {
-    g_unix_signal_add(signal_number, ignore_signal, nullptr);
-  }
-}
-
-gboolean on_unix_exit_signal(gpointer user_data) {
-  keep_signals_from_ending_the_process();
-  attempt([] { print_line("[Corvana] 收到退出信号，清理系统代理后退出"); });
+static gboolean on_unix_exit_signal(gpointer user_data) {
+  announce_leaving("[Corvana] 收到退出信号，清理系统代理后退出");
   leave_cleanly();
   g_application_quit(G_APPLICATION(user_data));
   return G_SOURCE_REMOVE;
 }
 
-void hook_exit_signals(gpointer application) {
+void hook_exit_signals(GApplication* application) {
   for (const int signal_number : k_exit_signals) {
     g_unix_signal_add(signal_number, on_unix_exit_signal, application);
   }
+  // These stay: a second Ctrl-C must not end the process in the middle of the clean-up.
+  for (const int signal_number : k_exit_signals) leave_at_signal(signal_number);
 }

@@ -5,6 +5,7 @@
 #include "core/core_name.h"
 #include "core/process_probe.h"
 #include "desktop_entry.h"
+#include "display_loss.h"
 #include "exit_cleanup.h"
 #include "generated_plugin_registrant.h"
 #include "log_stream/log_stream.h"
@@ -18,14 +19,6 @@ struct _MyApplication {
 };
 
 G_DEFINE_TYPE(MyApplication, my_application, GTK_TYPE_APPLICATION)
-
-// The messenger keeps a channel that has a handler, so our own references need not last.
-static void open_method_channel(FlBinaryMessenger* messenger) {
-  g_autoptr(FlStandardMethodCodec) codec = fl_standard_method_codec_new();
-  g_autoptr(FlMethodChannel) channel =
-      fl_method_channel_new(messenger, "com.corvana.channel/proxy_service", FL_METHOD_CODEC(codec));
-  fl_method_channel_set_method_call_handler(channel, method_call_handler, nullptr, nullptr);
-}
 
 static void my_application_activate(GApplication* application) {
   MyApplication* const self = MY_APPLICATION(application);
@@ -44,13 +37,18 @@ static void my_application_activate(GApplication* application) {
   fl_register_plugins(FL_PLUGIN_REGISTRY(view));
 
   FlBinaryMessenger* const messenger = fl_engine_get_binary_messenger(fl_view_get_engine(view));
-  open_method_channel(messenger);
+  g_autoptr(FlStandardMethodCodec) codec = fl_standard_method_codec_new();
+  // The messenger keeps a channel that has a handler, so our own reference need not last.
+  g_autoptr(FlMethodChannel) method_channel =
+      fl_method_channel_new(messenger, "com.corvana.channel/proxy_service", FL_METHOD_CODEC(codec));
+  fl_method_channel_set_method_call_handler(method_channel, method_call_handler, nullptr, nullptr);
   open_log_stream(messenger);
 
   // A core that runs may be in use through the proxy; without one, a proxy that an earlier run left
   // behind leads nowhere.
   if (!is_process_running(k_core_name)) clear_system_proxy();
   hook_exit_signals(application);
+  hook_display_loss();
   gtk_widget_grab_focus(GTK_WIDGET(view));
 }
 

@@ -5,7 +5,7 @@ build_packages=(
   # Compiler and build tools; make is for a plain `cmake -S . -B BUILD`.
   cmake g++ make ninja-build pkg-config
   # What the host, the layer and the sample core compile against.
-  libdbus-1-dev libgtk-3-dev libproxy-dev nlohmann-json3-dev
+  libdbus-1-dev libgtk-3-dev libproxy-dev libwayland-dev libx11-dev nlohmann-json3-dev
   # A plain build makes the tests as well.
   libgtest-dev
 )

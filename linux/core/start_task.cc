@@ -14,6 +14,7 @@
 #include "core/shell_quoting.h"
 #include "core/start_failures.h"
 #include "core/start_request.h"
+#include "core/stranded_proxy.h"
 #include "core/termination.h"
 #include "proxy_service/last_error.h"
 #include "proxy_service/task_state.h"
@@ -45,7 +46,7 @@ static CorePorts read_core_ports(const std::string& config_path) {
 
 static void end_stale_core() {
   if (!is_process_running(k_core_name)) return;
-  note_proxy_without_core(true);
+  note_stranded_proxy(true);
   terminate_core();
   sleep_unless_leaving(1s);
 }
@@ -61,14 +62,10 @@ static void launch_core(const std::string& core_path, const std::string& config_
 }
 
 static void set_proxy_for(const StartRequest& request, int mixed_port) {
-  if (request.proxy_mode == k_clear_proxy_mode) {
-    clear_system_proxy();
-  } else if (mixed_port >= 1) {
-    apply_system_proxy(mixed_port, mixed_port);
-  } else {
-    return;
-  }
-  note_proxy_without_core(false);
+  if (request.proxy_mode == k_clear_proxy_mode) return take_back_proxy();
+  if (mixed_port < 1) return;
+  apply_system_proxy(mixed_port, mixed_port);
+  note_stranded_proxy(false);
 }
 
 // False also when the host begins to leave on the way; then no failure is recorded.
@@ -103,8 +100,7 @@ static bool bring_up_core(const StartRequest& request, const std::string& core_p
 // A core that was just launched may still be on its way from the shell into its own program, where
 // the termination command doesn't see it yet: so look again until none is left.
 static void take_back_start() {
-  clear_system_proxy();
-  note_proxy_without_core(false);
+  take_back_proxy();
   for (int round = 0; round < 20; ++round) {
     terminate_core();
     if (!is_process_running(k_core_name)) return;

@@ -5,11 +5,11 @@
 
 #include "core/core_name.h"
 #include "core/process_probe.h"
+#include "core/stranded_proxy.h"
 #include "core/termination.h"
 #include "proxy_service/task_state.h"
 #include "support/console.h"
 #include "support/leaving.h"
-#include "system_proxy/system_proxy.h"
 
 using namespace std::chrono_literals;
 
@@ -25,9 +25,7 @@ static bool stop_core() {
     print_line("代理服务未运行");
     return true;
   }
-  // The proxy goes first: with the core dead and the proxy still set, the desktop has no internet.
-  clear_system_proxy();
-  note_proxy_without_core(false);
+  take_back_proxy();
   if (terminate_and_look()) {
     print_line("已停止代理服务");
     return true;

@@ -1,9 +1,12 @@
 #include "support/console.h"
 
 #include <fcntl.h>
+#include <poll.h>
 #include <unistd.h>
 
 #include <cstdio>
+
+#include "support/leaving.h"
 
 void keep_standard_streams_open() {
   int descriptor = 0;
@@ -13,7 +16,18 @@ void keep_standard_streams_open() {
   if (descriptor >= 0) close(descriptor);
 }
 
+// A pager that waits for its reader must not keep the host from taking the proxy back.
+static bool wait_until_writable(int fd) {
+  pollfd waited = {fd, POLLOUT, 0};
+  int checks_left = 5;
+  while (poll(&waited, 1, 100) == 0) {
+    if (is_leaving() && --checks_left == 0) return false;
+  }
+  return true;
+}
+
 static void write_line(std::FILE* stream, const std::string& line) {
+  if (!wait_until_writable(fileno(stream))) return;
   const std::string text = line + "\n";
   std::fwrite(text.data(), 1, text.size(), stream);
   std::fflush(stream);

@@ -9,7 +9,8 @@
 void keep_standard_streams_open();
 
 // Both write `line` (UTF-8, may hold line feeds of its own) and a line feed to their stream as one
-// piece and flush it. A stream that can't be written to is no error. Any thread.
+// piece and flush it. A stream that can't be written to is no error, and one that nobody reads loses
+// the line when the host is leaving. Any thread.
 void print_line(const std::string& line);
 void print_error_line(const std::string& line);
 

@@ -1,5 +1,7 @@
 #include "support/leaving.h"
 
+#include <glib-unix.h>
+
 #include <condition_variable>
 #include <mutex>
 
@@ -14,7 +16,27 @@ void begin_leaving() {
   g_leaving_begun.notify_all();
 }
 
+// Apart from the main loop, which may be waiting for the very command that a signal should cut
+// short. Whoever asks whether the host is leaving runs it.
+static GMainContext* signal_context() {
+  static GMainContext* const context = g_main_context_new();
+  return context;
+}
+
+void leave_at_signal(int signal_number) {
+  const auto on_signal = [](gpointer) -> gboolean {
+    begin_leaving();
+    return G_SOURCE_CONTINUE;
+  };
+  GSource* const source = g_unix_signal_source_new(signal_number);
+  g_source_set_callback(source, on_signal, nullptr, nullptr);
+  g_source_attach(source, signal_context());
+  g_source_unref(source);
+}
+
 bool is_leaving() {
+  while (g_main_context_iteration(signal_context(), FALSE)) {
+  }
   const std::lock_guard<std::mutex> lock(g_leaving_mutex);
   return g_leaving;
 }

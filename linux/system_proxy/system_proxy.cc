@@ -3,6 +3,7 @@
 #include <string>
 
 #include "support/console.h"
+#include "support/leaving.h"
 #include "system_proxy/desktop_environment.h"
 #include "system_proxy/gnome_proxy.h"
 #include "system_proxy/kde_proxy.h"
@@ -32,6 +33,8 @@ static bool clear_desktop_backends(const std::string& desktop) {
 void apply_system_proxy(int http_port, int socks_port) {
   const std::string desktop = detect_desktop_environment();
   const bool applied = apply_desktop_backend(desktop, http_port, socks_port);
+  // Leaving may have cut that short, and takes it back; nothing more is set or said to be.
+  if (is_leaving()) return;
   write_systemd_environment_dropin(http_port, socks_port, true);
   write_proxy_env_file(http_port, socks_port, true);
   const std::string http = std::to_string(http_port);

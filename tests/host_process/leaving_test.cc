@@ -64,7 +64,7 @@ echo "$4" >"settings/${2#org.gnome.system.}.$3"
   }
 
   // Waits for the end; "" when it was a clean one with nothing left behind.
-  std::string faults_at_the_end(ChildProcess& host, milliseconds limit = 30s) {
+  std::string faults_at_the_end(ChildProcess& host, milliseconds limit = 30s, int end_status = 0) {
     const auto told = fs::file_time_type::clock::now();
     const std::optional<int> status = host.wait_for_exit(limit);
     const auto gone = fs::file_time_type::clock::now();
@@ -80,7 +80,7 @@ echo "$4" >"settings/${2#org.gnome.system.}.$3"
     const std::string nothing_left =
         "false,,0,,0,none,,0\nunset http_proxy https_proxy HTTP_PROXY HTTPS_PROXY all_proxy"
         " ALL_PROXY no_proxy NO_PROXY\n";
-    if (*status == 0 && state == nothing_left) return "";
+    if (*status == end_status && state == nothing_left) return "";
     return "wait status " + std::to_string(*status) + "\n" + state + host.console();
   }
 
@@ -182,6 +182,24 @@ TEST_F(LeavingTest, AHailOfCtrlCIsAsGoodAsOne) {
     EXPECT_EQ("", faults_at_the_end(host));
     EXPECT_TRUE(host.wait_for("收到退出信号"));
   }
+}
+
+TEST_F(LeavingTest, ALostDisplayIsAWayOut) {
+  ChildProcess display({"Xvfb", ":9"});
+  ASSERT_TRUE(eventually([] { return fs::exists("/tmp/.X11-unix/X9"); }));
+  setenv("DISPLAY", ":9", 1);
+  ChildProcess host(connecting());
+  ASSERT_TRUE(host.wait_for("已设置系统代理")) << host.console();
+  kill(display.pid(), SIGKILL);
+  EXPECT_EQ("", faults_at_the_end(host, 30s, W_EXITCODE(1, 0)));
+}
+
+TEST_F(LeavingTest, ACommandThatHoldsUpTheMainLoopIsCutShort) {
+  home_.add_stand_in("systemctl", "#!/bin/sh\n: >asked\nsleep 1000\n");
+  ChildProcess host(connecting({"--page", "diagnostics"}));
+  ASSERT_TRUE(eventually([] { return fs::exists("asked"); })) << host.console();
+  kill(host.pid(), SIGTERM);
+  EXPECT_EQ("", faults_at_the_end(host));
 }
 
 // The desktop goes on pointing at the core that was ended for the new one.

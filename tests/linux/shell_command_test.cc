@@ -1,11 +1,14 @@
 #include "support/shell_command.h"
 
+#include <fcntl.h>
 #include <gtest/gtest.h>
+#include <unistd.h>
 
 #include <atomic>
 #include <thread>
 
 #include "core/workers.h"
+#include "support/console.h"
 #include "support/leaving.h"
 
 using namespace std::chrono_literals;
@@ -40,4 +43,15 @@ TEST(Leaving, CutsSleepsShortAndWaitsForWorkersUnlessStuck) {
   EXPECT_FALSE(wait_for_workers());
   done = true;
   EXPECT_TRUE(wait_for_workers());
+}
+
+TEST(Leaving, ALineThatNobodyReadsIsGivenUp) {
+  int ends[2];
+  ASSERT_EQ(pipe2(ends, O_NONBLOCK), 0);
+  while (write(ends[1], "x", 1) == 1) {
+  }
+  fcntl(ends[1], F_SETFL, 0);
+  dup2(ends[1], STDERR_FILENO);
+  begin_leaving();
+  print_error_line("lost");  // would wait for ever
 }

@@ -1,0 +1,48 @@
+#include "display_loss.h"
+
+#include <gdk/gdk.h>
+#include <glib-unix.h>
+#include <unistd.h>
+
+#ifdef GDK_WINDOWING_X11
+#include <gdk/gdkx.h>
+#endif
+#ifdef GDK_WINDOWING_WAYLAND
+#include <gdk/gdkwayland.h>
+#include <wayland-client-core.h>
+#endif
+
+#include "exit_cleanup.h"
+
+// GDK, left to itself, ends the process at once, past the shutdown: at the end of a session, the
+// display may go before any signal comes.
+[[noreturn]] static void leave_without_display() {
+  announce_leaving("[Corvana] 与显示服务器的连接已断开，清理系统代理后退出");
+  leave_cleanly();
+  _exit(1);
+}
+
+#ifdef GDK_WINDOWING_X11
+static int on_x11_connection_lost(Display*) { leave_without_display(); }
+#endif
+
+#ifdef GDK_WINDOWING_WAYLAND
+static gboolean on_wayland_connection_lost(gint, GIOCondition, gpointer) {
+  leave_without_display();
+}
+#endif
+
+void hook_display_loss() {
+  [[maybe_unused]] GdkDisplay* const display = gdk_display_get_default();
+#ifdef GDK_WINDOWING_X11
+  if (GDK_IS_X11_DISPLAY(display)) XSetIOErrorHandler(on_x11_connection_lost);
+#endif
+#ifdef GDK_WINDOWING_WAYLAND
+  // Here nobody can be asked to tell: so look at the connection before GDK does.
+  if (GDK_IS_WAYLAND_DISPLAY(display)) {
+    const int connection = wl_display_get_fd(gdk_wayland_display_get_wl_display(display));
+    g_unix_fd_add_full(G_PRIORITY_HIGH, connection, GIOCondition(G_IO_HUP | G_IO_ERR),
+                       on_wayland_connection_lost, nullptr, nullptr);
+  }
+#endif
+}
