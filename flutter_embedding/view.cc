@@ -40,6 +40,8 @@ static void fl_view_dispose(GObject* object) {
   // The content goes before the engine that it talks to.
   G_OBJECT_CLASS(fl_view_parent_class)->dispose(object);
   self->content = nullptr;
+  // Whoever else still holds the engine must find it closed.
+  if (self->engine != nullptr) g_object_run_dispose(G_OBJECT(self->engine));
   g_clear_object(&self->engine);
   g_clear_object(&self->project);
 }

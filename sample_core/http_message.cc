@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <string_view>
 
+#include "log.h"
+
 static const std::string_view line_end = "\r\n";
 static const std::string_view head_end = "\r\n\r\n";
 
@@ -70,12 +72,15 @@ std::optional<HttpRequest> receive_http_request(const Client& client) {
   const HeadOutcome outcome = read_head(client.input, &head);
   if (outcome == HeadOutcome::client_left) return std::nullopt;
   if (outcome == HeadOutcome::too_large) {
+    log_event("http request refused: its head is too large");
     send_http_error(client, "431 Request Header Fields Too Large", "at most 64 KiB are read");
     return std::nullopt;
   }
   std::optional<HttpRequest> request = parse_head(head);
-  if (!request) send_http_error(client, "400 Bad Request", "the request can't be understood");
-  return request;
+  if (request) return request;
+  log_event("http request refused: it can't be understood");
+  send_http_error(client, "400 Bad Request", "the request can't be understood");
+  return std::nullopt;
 }
 
 void send_http_response(const Client& client, const std::string& status, const char* content_type,

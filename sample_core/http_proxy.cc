@@ -22,6 +22,13 @@ static bool is_connection_header(const std::string& name) {
                      [&](const char* header) { return is_same_name(name, header); });
 }
 
+static bool has_body(const HttpRequest& request) {
+  return std::any_of(request.headers.begin(), request.headers.end(), [](const auto& header) {
+    return is_same_name(header.first, "Content-Length") ||
+           is_same_name(header.first, "Transfer-Encoding");
+  });
+}
+
 struct Destination {
   Endpoint server;
   std::string authority;  // the server as the client wrote it
@@ -42,8 +49,8 @@ static std::optional<Destination> parse_absolute_form(const std::string& target)
 }
 
 // The server is told to close after its answer, because what the client sends next may be meant for
-// another server and nothing here looks at it any more. The version stays the
-// client's own: it gets the answer untouched and must be able to read it.
+// another server. The version stays the client's own: it gets the answer untouched and must be able
+// to read it.
 static std::string origin_request_head(const HttpRequest& request, const Destination& destination) {
   std::string head = request.method + " " + destination.path + " " + request.version +
                      "\r\nHost: " + destination.authority + "\r\n";
@@ -78,7 +85,7 @@ static void serve_connect(const Client& client, const HttpRequest& request) {
   g_autoptr(GSocketConnection) upstream = connect_or_refuse(client, *server, label);
   if (upstream == nullptr) return;
   if (!send_bytes(client.connection, "HTTP/1.1 200 Connection established\r\n\r\n")) return;
-  start_relay(client, upstream, label);
+  start_relay(client, upstream, label, Upload::passed_on);
 }
 
 static void serve_absolute_form(const Client& client, const HttpRequest& request) {
@@ -90,7 +97,8 @@ static void serve_absolute_form(const Client& client, const HttpRequest& request
   if (!send_bytes(upstream, origin_request_head(request, *destination))) {
     return send_http_error(client, "502 Bad Gateway", "the server takes no data");
   }
-  start_relay(client, upstream, label);
+  // A server that doesn't close after all must not get requests that are meant for another one.
+  start_relay(client, upstream, label, has_body(request) ? Upload::passed_on : Upload::discarded);
 }
 
 void serve_http_proxy(const Client& client) {

@@ -14,7 +14,11 @@ struct Command {
   const char* description;
 };
 
-static int version_command(int, char**) {
+static int version_command(int argc, char** argv) {
+  if (argc > 1) {
+    print_error("unexpected argument: " + std::string(argv[1]));
+    return EXIT_FAILURE;
+  }
   printf("sample core version %s\n", core_version);
   return EXIT_SUCCESS;
 }

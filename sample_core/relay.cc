@@ -1,49 +1,101 @@
 #include "relay.h"
 
 #include <gio/gio.h>
+#include <netinet/in.h>
+#include <netinet/tcp.h>
+#include <sys/socket.h>
 
 #include <mutex>
 
 #include "log.h"
+
+static const guint silence_check_seconds = 60;
+static const guint longest_silence_milliseconds = 300'000;
+static const gsize discarded_at_once = 65536;
 
 struct Relay {
   GSocketConnection* client;
   GSocketConnection* upstream;
   GCancellable* stop;  // cancelled when one direction fails, to end the other
   std::string label;
+  Upload upload;
   int open_directions;
+  GSocketConnection* last_sender;  // of the direction that is still open when the other has ended
+  guint silence_check;             // a timer's id, 0 while both directions are open
 };
 
 // Held while a relay goes from a worker to the main loop, to which it then belongs. GLib's own
 // locks would do, but the thread sanitizer can't see them.
 static std::mutex g_handover_mutex;
 
-static Relay* relay_new(const Client& client, GSocketConnection* upstream,
-                        const std::string& label) {
+static Relay* relay_new(const Client& client, GSocketConnection* upstream, const std::string& label,
+                        Upload upload) {
   return new Relay{G_SOCKET_CONNECTION(g_object_ref(client.connection)),
-                   G_SOCKET_CONNECTION(g_object_ref(upstream)), g_cancellable_new(), label, 2};
+                   G_SOCKET_CONNECTION(g_object_ref(upstream)),
+                   g_cancellable_new(),
+                   label,
+                   upload,
+                   2,
+                   nullptr,
+                   0};
 }
 
-// The direction that ends last takes the relay with it.
-static void finish_direction(Relay* relay) {
-  if (--relay->open_directions > 0) return;
+static void free_relay(Relay* relay) {
+  if (relay->silence_check != 0) g_source_remove(relay->silence_check);
   g_object_unref(relay->client);
   g_object_unref(relay->upstream);
   g_object_unref(relay->stop);
   delete relay;
 }
 
+static bool has_been_silent(GSocketConnection* sender) {
+  tcp_info info = {};
+  socklen_t size = sizeof info;
+  const int fd = g_socket_get_fd(g_socket_connection_get_socket(sender));
+  return getsockopt(fd, IPPROTO_TCP, TCP_INFO, &info, &size) == 0 &&
+         info.tcpi_last_data_recv > longest_silence_milliseconds;
+}
+
+static gboolean end_if_silent(gpointer user_data) {
+  Relay* relay = static_cast<Relay*>(user_data);
+  if (!has_been_silent(relay->last_sender)) return G_SOURCE_CONTINUE;
+  log_event(relay->label + " broken off: silent since one side has ended");
+  g_cancellable_cancel(relay->stop);
+  return G_SOURCE_CONTINUE;
+}
+
+// The direction that ends last takes the relay with it. The other may have much to say yet; but if
+// its receiver has gone, only the silence tells.
+static void finish_direction(Relay* relay, GSocketConnection* other_sender) {
+  if (--relay->open_directions == 0) return free_relay(relay);
+  relay->last_sender = other_sender;
+  relay->silence_check = g_timeout_add_seconds(silence_check_seconds, end_if_silent, relay);
+}
+
+// A receiver that saw an orderly end would take half an answer for a whole one.
+static void reset_when_closed(GSocketConnection* connection) {
+  const linger at_once = {1, 0};
+  const int fd = g_socket_get_fd(g_socket_connection_get_socket(connection));
+  setsockopt(fd, SOL_SOCKET, SO_LINGER, &at_once, sizeof at_once);
+}
+
+static void break_off(Relay* relay, const GError* error) {
+  if (g_cancellable_is_cancelled(relay->stop)) return;
+  log_event(relay->label + " broken off: " + error->message);
+  reset_when_closed(relay->client);
+  reset_when_closed(relay->upstream);
+  g_cancellable_cancel(relay->stop);
+}
+
 static void on_direction_ended(Relay* relay, GObject* output, GAsyncResult* result,
                                GSocketConnection* receiver) {
   g_autoptr(GError) error = nullptr;
   if (g_output_stream_splice_finish(G_OUTPUT_STREAM(output), result, &error) >= 0) {
-    // One side may still have much to say after the other has finished, so only this half closes.
     g_socket_shutdown(g_socket_connection_get_socket(receiver), FALSE, TRUE, nullptr);
-  } else if (!g_cancellable_is_cancelled(relay->stop)) {
-    log_event(relay->label + " broken off: " + error->message);
-    g_cancellable_cancel(relay->stop);
+  } else {
+    break_off(relay, error);
   }
-  finish_direction(relay);
+  finish_direction(relay, receiver);
 }
 
 static void on_upload_ended(GObject* output, GAsyncResult* result, gpointer user_data) {
@@ -56,21 +108,46 @@ static void on_download_ended(GObject* output, GAsyncResult* result, gpointer us
   on_direction_ended(relay, output, result, relay->client);
 }
 
-static void pass_bytes(Relay* relay, GSocketConnection* sender, GSocketConnection* receiver,
-                       GAsyncReadyCallback on_ended) {
-  GSocket* socket = g_socket_connection_get_socket(sender);
+static void prepare_for_idling(GSocketConnection* connection) {
+  GSocket* socket = g_socket_connection_get_socket(connection);
   g_socket_set_timeout(socket, 0);       // an idle tunnel is fine
   g_socket_set_keepalive(socket, TRUE);  // a vanished machine at its end is not
+}
+
+static void pass_bytes(Relay* relay, GSocketConnection* sender, GSocketConnection* receiver,
+                       GAsyncReadyCallback on_ended) {
   g_output_stream_splice_async(g_io_stream_get_output_stream(G_IO_STREAM(receiver)),
                                g_io_stream_get_input_stream(G_IO_STREAM(sender)),
                                G_OUTPUT_STREAM_SPLICE_NONE, G_PRIORITY_DEFAULT, relay->stop,
                                on_ended, relay);
 }
 
+static void discard_bytes(Relay* relay);
+
+static void on_discarded(GObject* input, GAsyncResult* result, gpointer user_data) {
+  Relay* relay = static_cast<Relay*>(user_data);
+  if (g_input_stream_skip_finish(G_INPUT_STREAM(input), result, nullptr) > 0) {
+    return discard_bytes(relay);
+  }
+  finish_direction(relay, relay->upstream);
+}
+
+static void discard_bytes(Relay* relay) {
+  g_input_stream_skip_async(g_io_stream_get_input_stream(G_IO_STREAM(relay->client)),
+                            discarded_at_once, G_PRIORITY_DEFAULT, relay->stop, on_discarded,
+                            relay);
+}
+
 static gboolean begin_relay(gpointer user_data) {
   const std::lock_guard<std::mutex> lock(g_handover_mutex);
   Relay* relay = static_cast<Relay*>(user_data);
-  pass_bytes(relay, relay->client, relay->upstream, on_upload_ended);
+  prepare_for_idling(relay->client);
+  prepare_for_idling(relay->upstream);
+  if (relay->upload == Upload::discarded) {
+    discard_bytes(relay);
+  } else {
+    pass_bytes(relay, relay->client, relay->upstream, on_upload_ended);
+  }
   pass_bytes(relay, relay->upstream, relay->client, on_download_ended);
   return G_SOURCE_REMOVE;
 }
@@ -82,11 +159,13 @@ static bool send_read_ahead(GBufferedInputStream* input, GSocketConnection* upst
   return send_bytes(upstream, std::string(static_cast<const char*>(bytes), count));
 }
 
-void start_relay(const Client& client, GSocketConnection* upstream, const std::string& label) {
-  if (!send_read_ahead(client.input, upstream)) {
+void start_relay(const Client& client, GSocketConnection* upstream, const std::string& label,
+                 Upload upload) {
+  if (upload == Upload::passed_on && !send_read_ahead(client.input, upstream)) {
     log_event(label + " broken off: the server takes no data");
     return;
   }
   const std::lock_guard<std::mutex> lock(g_handover_mutex);
-  g_idle_add_full(G_PRIORITY_DEFAULT, begin_relay, relay_new(client, upstream, label), nullptr);
+  g_idle_add_full(G_PRIORITY_DEFAULT, begin_relay, relay_new(client, upstream, label, upload),
+                  nullptr);
 }

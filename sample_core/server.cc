@@ -25,8 +25,11 @@ using Serve = void (*)(const Client& client);
 static void serve_mixed(const Client& client) {
   gsize count = 0;
   const void* bytes = g_buffered_input_stream_peek_buffer(client.input, &count);
-  const bool is_socks5 = *static_cast<const char*>(bytes) == 5;
-  is_socks5 ? serve_socks5(client) : serve_http_proxy(client);
+  const char first = *static_cast<const char*>(bytes);
+  if (first == 5) return serve_socks5(client);
+  if (g_ascii_isalpha(first)) return serve_http_proxy(client);
+  log_event("client refused: it speaks neither HTTP nor SOCKS5");
+  close_gently(client);
 }
 
 // The usual soft limit is only 1024, and a tunnel takes two descriptors.
@@ -40,7 +43,7 @@ static void raise_descriptor_limit() {
 
 // Without a free descriptor GIO would fail to accept, complain and try again for ever. True drops
 // the client.
-static gboolean is_one_too_many(GSocketService*, GSocketConnection* connection) {
+static gboolean drop_or_count_client(GSocketService*, GSocketConnection* connection) {
   if (g_open_clients >= g_max_clients) {
     log_event("client refused: too many are open");
     return TRUE;
@@ -81,7 +84,7 @@ static bool listen_on(const Endpoint& endpoint, const char* kind, Serve serve, s
     return false;
   }
   GSocketService* service = g_threaded_socket_service_new(no_thread_limit);
-  g_signal_connect(service, "incoming", G_CALLBACK(is_one_too_many), nullptr);
+  g_signal_connect(service, "incoming", G_CALLBACK(drop_or_count_client), nullptr);
   g_signal_connect(service, "run", G_CALLBACK(on_client), reinterpret_cast<gpointer>(serve));
   g_socket_listener_set_backlog(G_SOCKET_LISTENER(service), accept_backlog);
 

@@ -62,8 +62,10 @@ static bool agree_on_no_authentication(const Client& client) {
   if (!methods) return false;
   const bool is_offered = methods->find('\0') != std::string::npos;
   if (!send_bytes(client.connection, {5, is_offered ? '\0' : '\xff'})) return false;
-  if (!is_offered) close_gently(client);
-  return is_offered;
+  if (is_offered) return true;
+  log_event("socks5 refused: it wants authentication");
+  close_gently(client);
+  return false;
 }
 
 static std::optional<std::string> read_host(const Client& client, char type) {
@@ -124,5 +126,5 @@ void serve_socks5(const Client& client) {
   if (upstream == nullptr) {
     return refuse(client, reply_for(error), label + " failed: " + error->message);
   }
-  if (send_reply(client, reply_succeeded)) start_relay(client, upstream, label);
+  if (send_reply(client, reply_succeeded)) start_relay(client, upstream, label, Upload::passed_on);
 }

@@ -12,7 +12,9 @@ constexpr goffset kLargestConfig = goffset{4} << 20;
 
 std::string default_config_dir() {
   g_autofree char* dir = g_build_filename(g_get_user_config_dir(), "corvana", nullptr);
-  return dir;
+  // An empty HOME makes it a relative one.
+  g_autofree char* absolute = g_canonicalize_filename(dir, nullptr);
+  return absolute;
 }
 
 // A device or a pipe would keep the window from answering.

@@ -1,6 +1,5 @@
 #include "flutter_embedding/preview/log_view_buffer.h"
 
-#include <cstring>
 #include <string>
 
 namespace preview {

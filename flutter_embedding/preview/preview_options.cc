@@ -76,6 +76,9 @@ std::string find_bad_value(const RawOptions& raw) {
   if (raw.page != nullptr && std::none_of(kPages.begin(), kPages.end(), is_wanted)) {
     return std::string("--page 只能是 connection、log 或 diagnostics，不能是 ") + raw.page;
   }
+  if (raw.config != nullptr && !g_utf8_validate(raw.config, -1, nullptr)) {
+    return std::string("--config 的文件名必须是 UTF-8，不能是 ") + raw.config;
+  }
   return {};
 }
 
@@ -105,7 +108,11 @@ ParsedOptions parse_options(char** arguments) {
   if (complaint.empty()) complaint = find_bad_value(raw);
   if (complaint.empty()) return {from_raw(raw), {}};
   std::replace(complaint.begin(), complaint.end(), '\n', ' ');
-  return {Options{}, complaint};
+  g_autofree char* utf8 = g_utf8_make_valid(complaint.c_str(), -1);
+  Options options;
+  // Whoever runs this unattended counts on the end, whatever is wrong with the rest.
+  options.quit = arguments != nullptr && g_strv_contains(arguments, "--quit");
+  return {options, utf8};
 }
 
 }  // namespace preview

@@ -12,8 +12,9 @@ struct ServiceClient {
   Life life;
   std::function<void(const ServiceStatus&)> on_change;
   ServiceStatus status;
-  unsigned epoch =
-      0;  // counts the tasks; an answer from before the latest one says nothing about it
+  // Counts the tasks; an answer from before the latest one says nothing about it.
+  unsigned epoch = 0;
+  bool task_was_seen = false;  // under way
   // Answers in a row that the core's presence contradicts, or that say nothing at all.
   unsigned contradictions = 0;
 
@@ -73,6 +74,7 @@ void ask_later(ServiceClient* client) {
 void begin_task(ServiceClient* client, Phase phase) {
   ++client->epoch;
   client->contradictions = 0;
+  client->task_was_seen = false;
   set_phase(client, phase);
 }
 
@@ -81,19 +83,25 @@ Failure failure_in(FlValue* record) {
           string_at(record, "logTail").value_or("")};
 }
 
+void stop(ServiceClient* client);
+
 void fetch_start_failure(ServiceClient* client) {
   call(client, "getLastError", nullptr, [client](const UiReply& reply) {
+    // The core of an earlier start may have gone on.
+    if (client->status.stop_wanted && client->status.core_running) return stop(client);
     Failure failure = failure_in(reply.value);
     if (failure.message.empty()) failure = kNoReason;
     set_phase(client, Phase::start_failed, std::move(failure));
   });
 }
 
-// A stop records only that it never ran; any other record is that of an earlier start.
+// A stop records only that it never ran; any other record, and that one too if the stop was seen to
+// run, is older.
 void fetch_stop_failure(ServiceClient* client) {
   call(client, "getLastError", nullptr, [client](const UiReply& reply) {
     const Failure failure = failure_in(reply.value);
-    set_phase(client, Phase::stop_failed, failure.code == kStopNeverRan ? failure : kStopFailed);
+    const bool never_ran = failure.code == kStopNeverRan && !client->task_was_seen;
+    set_phase(client, Phase::stop_failed, never_ran ? failure : kStopFailed);
     ask_later(client);
   });
 }
@@ -110,6 +118,7 @@ void stop(ServiceClient* client) {
 
 void take_report(ServiceClient* client, const TaskReport& report) {
   const Phase now = client->status.phase;
+  client->task_was_seen |= !report.is_complete;
   client->contradictions = is_busy(now) && report.is_complete ? client->contradictions + 1 : 0;
   const Phase next = next_phase(now, report, client->contradictions > kMostContradictions);
   const bool core_came_or_went = client->status.core_running != report.core_running;
@@ -182,7 +191,5 @@ void service_client_disconnect(ServiceClient* client) {
 void service_client_fail(ServiceClient* client, Failure failure) {
   set_phase(client, Phase::start_failed, std::move(failure));
 }
-
-const ServiceStatus& service_client_status(const ServiceClient* client) { return client->status; }
 
 }  // namespace preview

@@ -52,8 +52,6 @@ void service_client_disconnect(ServiceClient* client);
 // Shows a failure that the host never heard of, as one of a start.
 void service_client_fail(ServiceClient* client, Failure failure);
 
-const ServiceStatus& service_client_status(const ServiceClient* client);
-
 }  // namespace preview
 
 #endif  // CORVANA_FLUTTER_EMBEDDING_PREVIEW_SERVICE_CLIENT_H_

@@ -8,6 +8,7 @@
 #include <cstdint>
 #include <exception>
 #include <string>
+#include <utility>
 
 #include "core/runtime_dir.h"
 #include "log_stream/log_lines.h"
