@@ -1,8 +1,8 @@
 #include "client.h"
 
-static const guint connect_timeout_seconds = 10;
-static const guint linger_timeout_seconds = 2;
-static const gsize max_lingering_bytes = 1'000'000;
+static const guint k_connect_timeout_seconds = 10;
+static const guint k_linger_timeout_seconds = 2;
+static const gsize k_max_lingering_bytes = 1'000'000;
 
 bool send_bytes(GSocketConnection* connection, const std::string& bytes) {
   GOutputStream* output = g_io_stream_get_output_stream(G_IO_STREAM(connection));
@@ -12,20 +12,20 @@ bool send_bytes(GSocketConnection* connection, const std::string& bytes) {
 void close_gently(const Client& client) {
   GSocket* socket = g_socket_connection_get_socket(client.connection);
   g_socket_shutdown(socket, FALSE, TRUE, nullptr);
-  g_socket_set_timeout(socket, linger_timeout_seconds);
+  g_socket_set_timeout(socket, k_linger_timeout_seconds);
   gsize drained = 0;
   gssize count = 0;
   do {
-    count = g_input_stream_skip(G_INPUT_STREAM(client.input), max_head_size, nullptr, nullptr);
+    count = g_input_stream_skip(G_INPUT_STREAM(client.input), k_max_head_size, nullptr, nullptr);
     drained += static_cast<gsize>(MAX(count, 0));
-  } while (count > 0 && drained < max_lingering_bytes);
+  } while (count > 0 && drained < k_max_lingering_bytes);
 }
 
 GSocketConnection* connect_direct(const Endpoint& target, GError** error) {
   g_autoptr(GSocketClient) connector = g_socket_client_new();
   // The desktop's proxy settings point at this very core.
   g_socket_client_set_enable_proxy(connector, FALSE);
-  g_socket_client_set_timeout(connector, connect_timeout_seconds);
+  g_socket_client_set_timeout(connector, k_connect_timeout_seconds);
   g_autoptr(GSocketConnectable) address = g_network_address_new(target.host.c_str(), target.port);
   return g_socket_client_connect(connector, address, nullptr, error);
 }

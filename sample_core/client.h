@@ -8,7 +8,7 @@
 #include "endpoint.h"
 
 // The longest request head that is read, in bytes; also the size of every client's input buffer.
-inline constexpr gsize max_head_size = 65536;
+inline constexpr gsize k_max_head_size = 65536;
 
 // An accepted connection during its handshake, which blocks a worker thread of its own. Borrowed
 // pointers: the service's handler owns both.

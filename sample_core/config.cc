@@ -6,7 +6,7 @@
 
 using nlohmann::json;
 
-static const char* const loopback = "127.0.0.1";
+static const char* const k_loopback = "127.0.0.1";
 
 static std::optional<json> read_json(const std::string& path, std::string* error) {
   g_autofree char* text = nullptr;
@@ -46,7 +46,8 @@ static std::optional<Endpoint> read_mixed_inbound(const json& inbound, std::stri
     *error = "\"listen_port\" of the mixed inbound must be a number from 1 to 65535";
     return std::nullopt;
   }
-  return Endpoint{listen == nullptr ? loopback : listen->get<std::string>(), port->get<uint16_t>()};
+  return Endpoint{listen == nullptr ? k_loopback : listen->get<std::string>(),
+                  port->get<uint16_t>()};
 }
 
 static bool read_mixed_inbounds(const json& root, CoreConfig* config, std::string* error) {
@@ -71,7 +72,7 @@ static bool read_clash_api(const json& root, CoreConfig* config, std::string* er
 
   if (controller->is_string()) {
     const std::string text = controller->get<std::string>();
-    config->clash_api = parse_endpoint(text[0] == ':' ? loopback + text : text, 0);
+    config->clash_api = parse_endpoint(text[0] == ':' ? k_loopback + text : text, 0);
   }
   if (config->clash_api) return true;
   *error = "\"external_controller\" must be an address and a port, not " + controller->dump();

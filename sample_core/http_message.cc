@@ -5,8 +5,8 @@
 
 #include "log.h"
 
-static const std::string_view line_end = "\r\n";
-static const std::string_view head_end = "\r\n\r\n";
+static const std::string_view k_line_end = "\r\n";
+static const std::string_view k_head_end = "\r\n\r\n";
 
 enum class HeadOutcome { complete, too_large, client_left };
 
@@ -16,14 +16,14 @@ static HeadOutcome read_head(GBufferedInputStream* input, std::string* head) {
     gsize count = 0;
     const void* bytes = g_buffered_input_stream_peek_buffer(input, &count);
     const std::string_view available(static_cast<const char*>(bytes), count);
-    const size_t end = available.find(head_end, searched);
+    const size_t end = available.find(k_head_end, searched);
     if (end != std::string_view::npos) {
-      head->assign(available.substr(0, end + line_end.size()));
-      g_input_stream_skip(G_INPUT_STREAM(input), end + head_end.size(), nullptr, nullptr);
+      head->assign(available.substr(0, end + k_line_end.size()));
+      g_input_stream_skip(G_INPUT_STREAM(input), end + k_head_end.size(), nullptr, nullptr);
       return HeadOutcome::complete;
     }
-    if (count >= max_head_size) return HeadOutcome::too_large;
-    searched = count < head_end.size() ? 0 : count - head_end.size() + 1;
+    if (count >= k_max_head_size) return HeadOutcome::too_large;
+    searched = count < k_head_end.size() ? 0 : count - k_head_end.size() + 1;
     if (g_buffered_input_stream_fill(input, -1, nullptr, nullptr) <= 0)
       return HeadOutcome::client_left;
   }
@@ -55,14 +55,14 @@ static bool parse_header(const std::string& line, HttpRequest* request) {
 static std::optional<HttpRequest> parse_head(const std::string& head) {
   HttpRequest request;
   for (size_t start = 0; start < head.size();) {
-    const size_t end = head.find(line_end, start);
+    const size_t end = head.find(k_line_end, start);
     const std::string line = head.substr(start, end - start);
     const auto is_forbidden = [](char c) { return g_ascii_iscntrl(c) && c != '\t'; };
     if (std::any_of(line.begin(), line.end(), is_forbidden)) return std::nullopt;
     if (!(start == 0 ? parse_request_line(line, &request) : parse_header(line, &request))) {
       return std::nullopt;
     }
-    start = end + line_end.size();
+    start = end + k_line_end.size();
   }
   return request;
 }

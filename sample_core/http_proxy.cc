@@ -8,7 +8,7 @@
 
 // Headers that concern only the client's connection to this proxy. Transfer-Encoding is one in
 // theory, but the body passes through in the client's own framing.
-static const char* const connection_headers[] = {
+static const char* const k_connection_headers[] = {
     "Connection", "Proxy-Connection", "Keep-Alive", "Proxy-Authenticate", "Proxy-Authorization",
     "TE",         "Upgrade",
 };
@@ -18,7 +18,7 @@ static bool is_same_name(const std::string& a, const char* b) {
 }
 
 static bool is_connection_header(const std::string& name) {
-  return std::any_of(std::begin(connection_headers), std::end(connection_headers),
+  return std::any_of(std::begin(k_connection_headers), std::end(k_connection_headers),
                      [&](const char* header) { return is_same_name(name, header); });
 }
 

@@ -9,9 +9,9 @@
 
 #include "log.h"
 
-static const guint silence_check_seconds = 60;
-static const guint longest_silence_milliseconds = 300'000;
-static const gsize discarded_at_once = 65536;
+static const guint k_silence_check_seconds = 60;
+static const guint k_longest_silence_milliseconds = 300'000;
+static const gsize k_discarded_at_once = 65536;
 
 struct Relay {
   GSocketConnection* client;
@@ -53,7 +53,7 @@ static bool has_been_silent(GSocketConnection* sender) {
   socklen_t size = sizeof info;
   const int fd = g_socket_get_fd(g_socket_connection_get_socket(sender));
   return getsockopt(fd, IPPROTO_TCP, TCP_INFO, &info, &size) == 0 &&
-         info.tcpi_last_data_recv > longest_silence_milliseconds;
+         info.tcpi_last_data_recv > k_longest_silence_milliseconds;
 }
 
 static gboolean end_if_silent(gpointer user_data) {
@@ -69,7 +69,7 @@ static gboolean end_if_silent(gpointer user_data) {
 static void finish_direction(Relay* relay, GSocketConnection* other_sender) {
   if (--relay->open_directions == 0) return free_relay(relay);
   relay->last_sender = other_sender;
-  relay->silence_check = g_timeout_add_seconds(silence_check_seconds, end_if_silent, relay);
+  relay->silence_check = g_timeout_add_seconds(k_silence_check_seconds, end_if_silent, relay);
 }
 
 // A receiver that saw an orderly end would take half an answer for a whole one.
@@ -134,7 +134,7 @@ static void on_discarded(GObject* input, GAsyncResult* result, gpointer user_dat
 
 static void discard_bytes(Relay* relay) {
   g_input_stream_skip_async(g_io_stream_get_input_stream(G_IO_STREAM(relay->client)),
-                            discarded_at_once, G_PRIORITY_DEFAULT, relay->stop, on_discarded,
+                            k_discarded_at_once, G_PRIORITY_DEFAULT, relay->stop, on_discarded,
                             relay);
 }
 

@@ -11,11 +11,11 @@
 #include "log.h"
 #include "socks5.h"
 
-static const guint handshake_timeout_seconds = 30;
-static const int accept_backlog = 512;
-static const int no_thread_limit = -1;  // a slow client must not keep others waiting
+static const guint k_handshake_timeout_seconds = 30;
+static const int k_accept_backlog = 512;
+static const int k_no_thread_limit = -1;  // a slow client must not keep others waiting
 
-static const rlim_t spare_descriptors = 32;
+static const rlim_t k_spare_descriptors = 32;
 
 static rlim_t g_max_clients = 0;  // set before the first client comes
 static std::atomic<rlim_t> g_open_clients = 0;
@@ -38,7 +38,7 @@ static void raise_descriptor_limit() {
   getrlimit(RLIMIT_NOFILE, &limit);
   limit.rlim_cur = limit.rlim_max;
   setrlimit(RLIMIT_NOFILE, &limit);
-  g_max_clients = (MAX(limit.rlim_cur, spare_descriptors) - spare_descriptors) / 2;
+  g_max_clients = (MAX(limit.rlim_cur, k_spare_descriptors) - k_spare_descriptors) / 2;
 }
 
 // Without a free descriptor GIO would fail to accept, complain and try again for ever. True drops
@@ -57,9 +57,9 @@ static gboolean drop_or_count_client(GSocketService*, GSocketConnection* connect
 // Runs on a worker thread of its own for every client.
 static gboolean on_client(GThreadedSocketService*, GSocketConnection* connection, GObject*,
                           gpointer serve) {
-  g_socket_set_timeout(g_socket_connection_get_socket(connection), handshake_timeout_seconds);
+  g_socket_set_timeout(g_socket_connection_get_socket(connection), k_handshake_timeout_seconds);
   GInputStream* raw_input = g_io_stream_get_input_stream(G_IO_STREAM(connection));
-  g_autoptr(GInputStream) input = g_buffered_input_stream_new_sized(raw_input, max_head_size);
+  g_autoptr(GInputStream) input = g_buffered_input_stream_new_sized(raw_input, k_max_head_size);
   g_filter_input_stream_set_close_base_stream(G_FILTER_INPUT_STREAM(input), FALSE);
 
   // A port probe connects and leaves without a word; that is no event.
@@ -83,10 +83,10 @@ static bool listen_on(const Endpoint& endpoint, const char* kind, Serve serve, s
     *error = "cannot listen on " + to_text(endpoint) + ": not an IP address";
     return false;
   }
-  GSocketService* service = g_threaded_socket_service_new(no_thread_limit);
+  GSocketService* service = g_threaded_socket_service_new(k_no_thread_limit);
   g_signal_connect(service, "incoming", G_CALLBACK(drop_or_count_client), nullptr);
   g_signal_connect(service, "run", G_CALLBACK(on_client), reinterpret_cast<gpointer>(serve));
-  g_socket_listener_set_backlog(G_SOCKET_LISTENER(service), accept_backlog);
+  g_socket_listener_set_backlog(G_SOCKET_LISTENER(service), k_accept_backlog);
 
   g_autoptr(GError) listen_error = nullptr;
   if (!g_socket_listener_add_address(G_SOCKET_LISTENER(service), address, G_SOCKET_TYPE_STREAM,

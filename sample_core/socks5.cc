@@ -15,19 +15,19 @@ enum Reply : char {
   reply_address_unsupported = 8,
 };
 
-static const char connect_command = 1;
+static const char k_connect_command = 1;
 
 static const struct {
   char type;
   gsize size;
   GSocketFamily family;
-} ip_addresses[] = {{1, 4, G_SOCKET_FAMILY_IPV4}, {4, 16, G_SOCKET_FAMILY_IPV6}};
-static const char domain_address = 3;
+} k_ip_addresses[] = {{1, 4, G_SOCKET_FAMILY_IPV4}, {4, 16, G_SOCKET_FAMILY_IPV6}};
+static const char k_domain_address = 3;
 
 static const struct {
   GIOErrorEnum error;
   Reply reply;
-} error_replies[] = {
+} k_error_replies[] = {
     {G_IO_ERROR_CONNECTION_REFUSED, reply_refused},
     {G_IO_ERROR_NETWORK_UNREACHABLE, reply_network_unreachable},
     {G_IO_ERROR_HOST_UNREACHABLE, reply_host_unreachable},
@@ -69,11 +69,11 @@ static bool agree_on_no_authentication(const Client& client) {
 }
 
 static std::optional<std::string> read_host(const Client& client, char type) {
-  if (type == domain_address) {
+  if (type == k_domain_address) {
     const std::optional<std::string> size = read_bytes(client, 1);
     return size ? read_bytes(client, static_cast<guchar>(size->front())) : std::nullopt;
   }
-  for (const auto& address : ip_addresses) {
+  for (const auto& address : k_ip_addresses) {
     if (address.type != type) continue;
     const std::optional<std::string> bytes = read_bytes(client, address.size);
     if (!bytes) return std::nullopt;
@@ -94,7 +94,7 @@ static std::optional<Endpoint> receive_target(const Client& client) {
   if (!host) return std::nullopt;
   const std::optional<std::string> port = read_bytes(client, 2);
   if (!port) return std::nullopt;
-  if (request->at(0) != 5 || request->at(1) != connect_command) {
+  if (request->at(0) != 5 || request->at(1) != k_connect_command) {
     refuse(client, reply_command_unsupported, "socks5 refused: only CONNECT is supported");
     return std::nullopt;
   }
@@ -108,7 +108,7 @@ static std::optional<Endpoint> receive_target(const Client& client) {
 
 static Reply reply_for(const GError* error) {
   if (error->domain == G_RESOLVER_ERROR) return reply_host_unreachable;
-  for (const auto& row : error_replies) {
+  for (const auto& row : k_error_replies) {
     if (g_error_matches(error, G_IO_ERROR, row.error)) return row.reply;
   }
   return reply_failed;

@@ -9,8 +9,8 @@ namespace {
 
 using Message = std::vector<uint8_t>;
 
-constexpr uint8_t success_envelope = 0;
-constexpr uint8_t error_envelope = 1;
+constexpr uint8_t k_success_envelope = 0;
+constexpr uint8_t k_error_envelope = 1;
 
 GBytes* to_bytes(const Message& message) { return g_bytes_new(message.data(), message.size()); }
 
@@ -25,14 +25,14 @@ bool write_optional(Message& message, const FlValue* value, GError** error) {
 }
 
 GBytes* encode_success(FlMethodSuccessResponse* response, GError** error) {
-  Message message = {success_envelope};
+  Message message = {k_success_envelope};
   return write_value(message, method_success_response_get_result(response), error)
              ? to_bytes(message)
              : nullptr;
 }
 
 GBytes* encode_error(FlMethodErrorResponse* response, GError** error) {
-  Message message = {error_envelope};
+  Message message = {k_error_envelope};
   const char* text = method_error_response_get_message(response);
   const ValueRef text_value(text == nullptr ? nullptr : fl_value_new_string(text));
   return write_string(message, method_error_response_get_code(response), error) &&
@@ -127,9 +127,9 @@ FlMethodResponse* decode_reply(GBytes* message, GError** error) {
   uint8_t envelope = 0;
   read_byte(reader, &envelope, error);
   switch (envelope) {
-    case success_envelope:
+    case k_success_envelope:
       return decode_success(reader, error);
-    case error_envelope:
+    case k_error_envelope:
       return decode_error(reader, error);
     default:
       g_set_error(error, codec_error_quark(), CODEC_ERROR_UNKNOWN_TYPE,

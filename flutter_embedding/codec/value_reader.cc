@@ -63,9 +63,9 @@ bool read_size(MessageReader& reader, size_t* size, GError** error) {
     return false;
   }
   switch (first) {
-    case two_byte_size_mark:
+    case k_two_byte_size_mark:
       return read_wide_size<uint16_t>(reader, size, error);
-    case four_byte_size_mark:
+    case k_four_byte_size_mark:
       return read_wide_size<uint32_t>(reader, size, error);
     default:
       *size = first;
@@ -158,7 +158,7 @@ ValueRef read_map(MessageReader& reader, int depth, GError** error) {
 }
 
 ValueRef read_nested(MessageReader& reader, int depth, GError** error) {
-  if (depth > deepest_nesting) {
+  if (depth > k_deepest_nesting) {
     return fail(reader, CODEC_ERROR_TOO_DEEP, "The value is nested too deep", error);
   }
   uint8_t type = 0;

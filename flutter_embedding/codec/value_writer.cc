@@ -21,9 +21,9 @@ struct ValueWriter {
   int depth;
 
   bool write(const FlValue* value) {
-    if (depth > deepest_nesting) {
+    if (depth > k_deepest_nesting) {
       g_set_error(error, codec_error_quark(), CODEC_ERROR_TOO_DEEP,
-                  "The value is nested deeper than %d levels", deepest_nesting);
+                  "The value is nested deeper than %d levels", k_deepest_nesting);
       return false;
     }
     return std::visit(*this, value->content);
@@ -48,19 +48,19 @@ struct ValueWriter {
   }
 
   bool put_size(size_t size) {
-    if (size < two_byte_size_mark) {
+    if (size < k_two_byte_size_mark) {
       message.push_back(static_cast<uint8_t>(size));
       return true;
     }
     if (size <= std::numeric_limits<uint16_t>::max()) {
       const auto narrow = static_cast<uint16_t>(size);
-      message.push_back(two_byte_size_mark);
+      message.push_back(k_two_byte_size_mark);
       put_numbers(&narrow, 1);
       return true;
     }
     if (size <= std::numeric_limits<uint32_t>::max()) {
       const auto narrow = static_cast<uint32_t>(size);
-      message.push_back(four_byte_size_mark);
+      message.push_back(k_four_byte_size_mark);
       put_numbers(&narrow, 1);
       return true;
     }

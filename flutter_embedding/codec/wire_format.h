@@ -24,12 +24,12 @@ enum class WireType : uint8_t {
 };
 
 // A size below the first mark is its own byte; the marks announce one of two or four bytes.
-constexpr uint8_t two_byte_size_mark = 254;
-constexpr uint8_t four_byte_size_mark = 255;
+constexpr uint8_t k_two_byte_size_mark = 254;
+constexpr uint8_t k_four_byte_size_mark = 255;
 
 // Values are read, written and released recursively: a message of nothing but list openings must
 // not use up the stack.
-constexpr int deepest_nesting = 128;
+constexpr int k_deepest_nesting = 128;
 
 // Any thread. Unlike g_utf8_validate it lets zero bytes pass, which are legal characters.
 bool is_utf8(const char* text, size_t size);

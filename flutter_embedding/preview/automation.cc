@@ -17,8 +17,8 @@ struct Automation {
 namespace {
 
 // Time for the first lines of the log and the last frames of an animation.
-constexpr unsigned kSettleMilliseconds = 900;
-constexpr unsigned kDrawingPollMilliseconds = 100;
+constexpr unsigned k_settle_milliseconds = 900;
+constexpr unsigned k_drawing_poll_milliseconds = 100;
 
 using Step = Automation::Step;
 
@@ -48,14 +48,14 @@ void draw_in(Automation* automation, unsigned milliseconds) {
 }
 
 void draw(Automation* automation) {
-  if (!automation->actions.is_drawn()) return draw_in(automation, kDrawingPollMilliseconds);
+  if (!automation->actions.is_drawn()) return draw_in(automation, k_drawing_poll_milliseconds);
   if (!automation->options.screenshot.empty()) automation->actions.take_screenshot();
   leave(automation);
 }
 
 void begin_drawing(Automation* automation) {
   automation->step = Step::drawing;
-  draw_in(automation, kSettleMilliseconds);
+  draw_in(automation, k_settle_milliseconds);
 }
 
 void take_first_answer(Automation* automation) {

@@ -88,7 +88,7 @@ GtkWidget* mode_row_new(ConnectionForm* form, const Options& options) {
   gtk_toggle_button_set_active(form->no_system_proxy,
                                options.proxy_mode == ProxyMode::no_system_proxy);
 
-  GtkWidget* row = gtk_box_new(GTK_ORIENTATION_HORIZONTAL, kMargin);
+  GtkWidget* row = gtk_box_new(GTK_ORIENTATION_HORIZONTAL, k_margin);
   gtk_container_add(GTK_CONTAINER(row), set);
   gtk_container_add(GTK_CONTAINER(row), leave_off);
   return row;
@@ -100,8 +100,8 @@ std::unique_ptr<ConnectionForm> connection_form_new(const Options& options) {
   auto form = std::make_unique<ConnectionForm>();
   form->widget = gtk_grid_new();
   GtkGrid* grid = GTK_GRID(form->widget);
-  gtk_grid_set_row_spacing(grid, kSpacing);
-  gtk_grid_set_column_spacing(grid, kSpacing);
+  gtk_grid_set_row_spacing(grid, k_spacing);
+  gtk_grid_set_column_spacing(grid, k_spacing);
   GtkWidget* config_row = config_row_new(form.get(), options);
   GtkWidget* mode_row = mode_row_new(form.get(), options);
   gtk_grid_attach(grid, caption_new("配置文件(_F)", GTK_WIDGET(form->config)), 0, 0, 1, 1);

@@ -25,7 +25,7 @@ struct ConnectionPage {
 
 namespace {
 
-constexpr char kForeignCore[] = "此核心由先前的会话启动，代理地址以其配置为准";
+constexpr char k_foreign_core[] = "此核心由先前的会话启动，代理地址以其配置为准";
 
 bool is_failed(Phase phase) { return phase == Phase::start_failed || phase == Phase::stop_failed; }
 
@@ -44,7 +44,7 @@ GtkWidget* buttons_new(ConnectionPage* page) {
       button_new("断开(_D)", [page] { service_client_disconnect(page->client.get()); });
   add_style_class(page->connect, "suggested-action");
   add_style_class(page->disconnect, "destructive-action");
-  GtkWidget* buttons = gtk_box_new(GTK_ORIENTATION_HORIZONTAL, kSpacing);
+  GtkWidget* buttons = gtk_box_new(GTK_ORIENTATION_HORIZONTAL, k_spacing);
   gtk_box_set_homogeneous(GTK_BOX(buttons), TRUE);
   for (GtkWidget* button : {page->disconnect, page->connect}) {
     gtk_box_pack_start(GTK_BOX(buttons), button, TRUE, TRUE, 0);
@@ -54,7 +54,7 @@ GtkWidget* buttons_new(ConnectionPage* page) {
 
 // Long messages scroll instead of pushing the buttons out of the window.
 GtkWidget* scrolling_details_new(ConnectionPage* page) {
-  GtkWidget* details = gtk_box_new(GTK_ORIENTATION_VERTICAL, kMargin);
+  GtkWidget* details = gtk_box_new(GTK_ORIENTATION_VERTICAL, k_margin);
   for (GtkWidget* panel : {page->address->widget, page->foreign_core_note, page->failure->widget}) {
     hide_until_wanted(panel);
     gtk_container_add(GTK_CONTAINER(details), panel);
@@ -73,10 +73,10 @@ std::shared_ptr<ConnectionPage> connection_page_new(const Options& options,
   page->card = status_card_new();
   page->form = connection_form_new(options);
   page->address = proxy_address_panel_new();
-  page->foreign_core_note = value_label_new(kForeignCore);
+  page->foreign_core_note = value_label_new(k_foreign_core);
   page->failure = failure_panel_new();
-  page->widget = gtk_box_new(GTK_ORIENTATION_VERTICAL, kMargin);
-  set_all_margins(page->widget, kMargin);
+  page->widget = gtk_box_new(GTK_ORIENTATION_VERTICAL, k_margin);
+  set_all_margins(page->widget, k_margin);
   for (GtkWidget* part : {page->card->widget, page->form->widget, scrolling_details_new(page.get()),
                           buttons_new(page.get())}) {
     gtk_container_add(GTK_CONTAINER(page->widget), part);

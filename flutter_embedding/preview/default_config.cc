@@ -8,7 +8,7 @@
 namespace preview {
 namespace {
 
-constexpr goffset kLargestConfig = goffset{4} << 20;
+constexpr goffset k_largest_config = goffset{4} << 20;
 
 std::string default_config_dir() {
   g_autofree char* dir = g_build_filename(g_get_user_config_dir(), "corvana", nullptr);
@@ -21,7 +21,7 @@ std::string default_config_dir() {
 bool is_small_regular_file(const std::string& path) {
   GStatBuf status;
   return g_stat(path.c_str(), &status) == 0 && S_ISREG(status.st_mode) &&
-         status.st_size <= kLargestConfig;
+         status.st_size <= k_largest_config;
 }
 
 std::optional<int> mixed_port_of_inbound(const nlohmann::json& inbound) {

@@ -34,7 +34,7 @@ namespace {
 
 // The host answers from the main thread and takes its time: the page's fading in has to be over
 // first.
-constexpr unsigned kPaintMilliseconds = 300;
+constexpr unsigned k_paint_milliseconds = 300;
 
 GtkWidget* row_new(const DiagnosticsRow& row, GtkSizeGroup* captions) {
   GtkWidget* caption = dim_label_new(row.label);
@@ -46,8 +46,8 @@ GtkWidget* row_new(const DiagnosticsRow& row, GtkSizeGroup* captions) {
   gtk_size_group_add_widget(captions, caption);
   if (row.tone == Tone::good) add_style_class(value, "preview-good");
   if (row.tone == Tone::absent) add_style_class(value, "dim-label");
-  GtkWidget* box = gtk_box_new(GTK_ORIENTATION_HORIZONTAL, kMargin);
-  g_object_set(box, "margin-start", kSpacing, "margin-end", kSpacing, "margin-top", 6,
+  GtkWidget* box = gtk_box_new(GTK_ORIENTATION_HORIZONTAL, k_margin);
+  g_object_set(box, "margin-start", k_spacing, "margin-end", k_spacing, "margin-top", 6,
                "margin-bottom", 6, nullptr);
   gtk_container_add(GTK_CONTAINER(box), caption);
   gtk_container_add(GTK_CONTAINER(box), value);
@@ -91,7 +91,7 @@ void show_answer(DiagnosticsPage* page, const UiReply& reply) {
 }
 
 void ask(DiagnosticsPage* page) {
-  ui_invoke_method(page->messenger, kServiceChannel, "getDiagnostics", nullptr,
+  ui_invoke_method(page->messenger, k_service_channel, "getDiagnostics", nullptr,
                    [page, life = page->life](const UiReply& reply) {
                      if (!life.expired()) show_answer(page, reply);
                    });
@@ -104,11 +104,11 @@ void load(DiagnosticsPage* page) {
   gtk_stack_set_visible_child_name(page->content, "loading");
   gtk_widget_set_sensitive(page->refresh, FALSE);
   gtk_widget_set_sensitive(page->copy, FALSE);
-  run_later(kPaintMilliseconds, page->life, [page] { ask(page); });
+  run_later(k_paint_milliseconds, page->life, [page] { ask(page); });
 }
 
 GtkWidget* note_new(const char* text, GtkWidget* above) {
-  GtkWidget* note = gtk_box_new(GTK_ORIENTATION_VERTICAL, kSpacing);
+  GtkWidget* note = gtk_box_new(GTK_ORIENTATION_VERTICAL, k_spacing);
   GtkWidget* label = gtk_label_new(text);
   add_style_class(label, "dim-label");
   if (above != nullptr) gtk_container_add(GTK_CONTAINER(note), above);
@@ -145,7 +145,7 @@ GtkWidget* content_new(DiagnosticsPage* page) {
 GtkWidget* tools_new(DiagnosticsPage* page) {
   page->copy = copy_button_new("复制全部诊断结果", [page] { return diagnostics_text(page->rows); });
   page->refresh = button_new("刷新", [page] { load(page); });
-  GtkWidget* tools = gtk_box_new(GTK_ORIENTATION_HORIZONTAL, kSpacing);
+  GtkWidget* tools = gtk_box_new(GTK_ORIENTATION_HORIZONTAL, k_spacing);
   gtk_widget_set_halign(tools, GTK_ALIGN_END);
   gtk_container_add(GTK_CONTAINER(tools), page->copy);
   gtk_container_add(GTK_CONTAINER(tools), page->refresh);
@@ -157,8 +157,8 @@ GtkWidget* tools_new(DiagnosticsPage* page) {
 std::shared_ptr<DiagnosticsPage> diagnostics_page_new(FlBinaryMessenger* messenger,
                                                       const Life& life) {
   auto page = std::make_shared<DiagnosticsPage>(messenger, life);
-  page->widget = gtk_box_new(GTK_ORIENTATION_VERTICAL, kSpacing);
-  set_all_margins(page->widget, kMargin);
+  page->widget = gtk_box_new(GTK_ORIENTATION_VERTICAL, k_spacing);
+  set_all_margins(page->widget, k_margin);
   gtk_container_add(GTK_CONTAINER(page->widget), content_new(page.get()));
   gtk_container_add(GTK_CONTAINER(page->widget), tools_new(page.get()));
   on_signal(page->widget, "map", [page = page.get()] {

@@ -14,7 +14,7 @@ struct Entry {
   const char* when_empty;
 };
 
-constexpr Entry kEntries[] = {
+constexpr Entry k_entries[] = {
     {"desktop", "桌面环境", Kind::text, "未知"},
     {"sessionType", "会话类型", Kind::text, "未设置"},
     {"hasLibproxy", "libproxy 库", Kind::flag, "未知"},
@@ -48,7 +48,7 @@ DiagnosticsRow text_row(const Entry& entry, FlValue* report) {
 
 std::vector<DiagnosticsRow> diagnostics_rows(FlValue* report) {
   std::vector<DiagnosticsRow> rows;
-  for (const Entry& entry : kEntries) {
+  for (const Entry& entry : k_entries) {
     rows.push_back(entry.kind == Kind::flag ? flag_row(entry, report) : text_row(entry, report));
   }
   return rows;

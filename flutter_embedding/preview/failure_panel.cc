@@ -25,7 +25,7 @@ GtkWidget* header_new(FailurePanel* panel) {
   panel->code = GTK_LABEL(code);
   add_style_class(code, "monospace");
   add_style_class(code, "preview-bad");
-  GtkWidget* header = panel->header = gtk_box_new(GTK_ORIENTATION_HORIZONTAL, kSpacing);
+  GtkWidget* header = panel->header = gtk_box_new(GTK_ORIENTATION_HORIZONTAL, k_spacing);
   gtk_container_add(GTK_CONTAINER(header), dim_label_new("错误代码"));
   gtk_container_add(GTK_CONTAINER(header), code);
   gtk_container_add(GTK_CONTAINER(header),
@@ -52,7 +52,7 @@ std::unique_ptr<FailurePanel> failure_panel_new() {
   auto panel = std::make_unique<FailurePanel>();
   GtkWidget* message = value_label_new("");
   panel->message = GTK_LABEL(message);
-  panel->widget = gtk_box_new(GTK_ORIENTATION_VERTICAL, kSpacing);
+  panel->widget = gtk_box_new(GTK_ORIENTATION_VERTICAL, k_spacing);
   gtk_container_add(GTK_CONTAINER(panel->widget), header_new(panel.get()));
   gtk_container_add(GTK_CONTAINER(panel->widget), message);
   gtk_container_add(GTK_CONTAINER(panel->widget), log_new(panel.get()));

@@ -36,14 +36,14 @@ struct LogPage {
 
 namespace {
 
-constexpr char kChannel[] = "com.corvana.channel/log_stream";
-constexpr std::string_view kClearEvent = "__clear__";
+constexpr char k_channel[] = "com.corvana.channel/log_stream";
+constexpr std::string_view k_clear_event = "__clear__";
 
 void show_line_count(LogPage* page) {
   const bool empty = gtk_text_buffer_get_char_count(page->buffer) == 0;
   const int lines = empty ? 0 : gtk_text_buffer_get_line_count(page->buffer);
   std::string text = std::to_string(lines) + " 行";
-  if (lines == kMostLogLines) text += "（最新部分）";
+  if (lines == k_most_log_lines) text += "（最新部分）";
   gtk_label_set_text(page->line_count, text.c_str());
   gtk_widget_set_visible(page->empty_note, empty);
 }
@@ -62,7 +62,7 @@ void clear(LogPage* page) {
 void take_event(LogPage* page, FlValue* event) {
   if (event == nullptr || fl_value_get_type(event) != FL_VALUE_TYPE_STRING) return;
   const std::string_view text = fl_value_get_string(event);
-  if (text == kClearEvent) return clear(page);
+  if (text == k_clear_event) return clear(page);
   log_view_append(page->buffer, text);
   show_line_count(page);
 }
@@ -147,7 +147,7 @@ GtkWidget* tools_new(LogPage* page) {
     gtk_adjustment_set_value(page->pane.position, gtk_adjustment_get_upper(page->pane.position));
   });
   hide_until_wanted(page->to_end);
-  GtkWidget* tools = gtk_box_new(GTK_ORIENTATION_HORIZONTAL, kSpacing);
+  GtkWidget* tools = gtk_box_new(GTK_ORIENTATION_HORIZONTAL, k_spacing);
   gtk_container_add(GTK_CONTAINER(tools), count);
   gtk_container_add(GTK_CONTAINER(tools), page->to_end);
   gtk_container_add(GTK_CONTAINER(tools),
@@ -161,8 +161,8 @@ GtkWidget* tools_new(LogPage* page) {
 
 std::shared_ptr<LogPage> log_page_new(FlBinaryMessenger* messenger, const Life& life) {
   auto page = std::make_shared<LogPage>(messenger, life);
-  page->widget = gtk_box_new(GTK_ORIENTATION_VERTICAL, kSpacing);
-  set_all_margins(page->widget, kMargin);
+  page->widget = gtk_box_new(GTK_ORIENTATION_VERTICAL, k_spacing);
+  set_all_margins(page->widget, k_margin);
   gtk_container_add(GTK_CONTAINER(page->widget), pane_new(page.get()));
   gtk_container_add(GTK_CONTAINER(page->widget), tools_new(page.get()));
   show_line_count(page.get());
@@ -172,7 +172,7 @@ std::shared_ptr<LogPage> log_page_new(FlBinaryMessenger* messenger, const Life& 
 GtkWidget* log_page_widget(const LogPage& page) { return page.widget; }
 
 void log_page_listen(LogPage* page) {
-  ui_listen(page->messenger, kChannel, [page, life = page->life](FlValue* event) {
+  ui_listen(page->messenger, k_channel, [page, life = page->life](FlValue* event) {
     if (!life.expired()) take_event(page, event);
   });
 }

@@ -5,7 +5,7 @@
 namespace preview {
 namespace {
 
-constexpr char kChineseTag[] = "chinese";
+constexpr char k_chinese_tag[] = "chinese";
 
 std::string_view last_lines(std::string_view text, int count) {
   std::size_t end = text.size();
@@ -28,8 +28,8 @@ std::string with_cut_lines(std::string_view text) {
   while (true) {
     const std::size_t line_feed = text.find('\n');
     const std::string_view line = text.substr(0, line_feed);
-    if (line.size() > kMostBytesPerLogLine) {
-      result.append(cut_at_a_character(line, kMostBytesPerLogLine)).append("…");
+    if (line.size() > k_most_bytes_per_log_line) {
+      result.append(cut_at_a_character(line, k_most_bytes_per_log_line)).append("…");
     } else {
       result.append(line);
     }
@@ -40,7 +40,7 @@ std::string with_cut_lines(std::string_view text) {
 }
 
 void drop_oldest_lines(GtkTextBuffer* buffer) {
-  const int surplus = gtk_text_buffer_get_line_count(buffer) - kMostLogLines;
+  const int surplus = gtk_text_buffer_get_line_count(buffer) - k_most_log_lines;
   if (surplus <= 0) return;
   GtkTextIter start;
   GtkTextIter first_kept;
@@ -53,18 +53,18 @@ void drop_oldest_lines(GtkTextBuffer* buffer) {
 
 GtkTextBuffer* log_view_buffer_new() {
   GtkTextBuffer* buffer = gtk_text_buffer_new(nullptr);
-  gtk_text_buffer_create_tag(buffer, kChineseTag, "language", "zh-cn", nullptr);
+  gtk_text_buffer_create_tag(buffer, k_chinese_tag, "language", "zh-cn", nullptr);
   return buffer;
 }
 
 void log_view_append(GtkTextBuffer* buffer, std::string_view batch) {
-  std::string lines = with_cut_lines(last_lines(batch, kMostLogLines));
+  std::string lines = with_cut_lines(last_lines(batch, k_most_log_lines));
   if (gtk_text_buffer_get_char_count(buffer) > 0) lines.insert(lines.begin(), '\n');
   g_autofree char* valid = g_utf8_make_valid(lines.data(), static_cast<gssize>(lines.size()));
   GtkTextIter end;
   gtk_text_buffer_get_end_iter(buffer, &end);
   GtkTextTag* chinese =
-      gtk_text_tag_table_lookup(gtk_text_buffer_get_tag_table(buffer), kChineseTag);
+      gtk_text_tag_table_lookup(gtk_text_buffer_get_tag_table(buffer), k_chinese_tag);
   gtk_text_buffer_insert_with_tags(buffer, &end, valid, -1, chinese, nullptr);
   drop_oldest_lines(buffer);
 }

@@ -7,10 +7,10 @@
 
 namespace preview {
 
-inline constexpr int kMostLogLines = 5000;
+inline constexpr int k_most_log_lines = 5000;
 // A core that forgets its line feeds must not make the view unusable; the rest of such a line is
 // dropped.
-inline constexpr std::size_t kMostBytesPerLogLine = 4096;
+inline constexpr std::size_t k_most_bytes_per_log_line = 4096;
 
 // A buffer whose appended lines have the Chinese forms of the characters that Chinese and Japanese
 // share, whatever the locale. Returns a new reference. Main thread only, needs a display.

@@ -85,7 +85,7 @@ void make_root(Preview* preview) {
   gtk_stack_switcher_set_stack(GTK_STACK_SWITCHER(switcher), preview->pages);
   gtk_box_set_homogeneous(GTK_BOX(switcher), TRUE);
   gtk_widget_set_halign(switcher, GTK_ALIGN_CENTER);
-  gtk_widget_set_margin_top(switcher, kSpacing);
+  gtk_widget_set_margin_top(switcher, k_spacing);
   preview->root = gtk_box_new(GTK_ORIENTATION_VERTICAL, 0);
   gtk_container_add(GTK_CONTAINER(preview->root), switcher);
   gtk_container_add(GTK_CONTAINER(preview->root), GTK_WIDGET(preview->pages));

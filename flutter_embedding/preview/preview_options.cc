@@ -9,7 +9,7 @@
 namespace preview {
 namespace {
 
-constexpr std::array<const char*, 3> kPages = {"connection", "log", "diagnostics"};
+constexpr std::array<const char*, 3> k_pages = {"connection", "log", "diagnostics"};
 
 // What GLib's parser fills in; it owns nothing of it.
 struct RawOptions {
@@ -73,7 +73,7 @@ std::string find_bad_value(const RawOptions& raw) {
     return "--proxy-mode 只能是 1 或 4，不能是 " + std::to_string(raw.proxy_mode);
   }
   const auto is_wanted = [&raw](const char* page) { return g_str_equal(page, raw.page); };
-  if (raw.page != nullptr && std::none_of(kPages.begin(), kPages.end(), is_wanted)) {
+  if (raw.page != nullptr && std::none_of(k_pages.begin(), k_pages.end(), is_wanted)) {
     return std::string("--page 只能是 connection、log 或 diagnostics，不能是 ") + raw.page;
   }
   if (raw.config != nullptr && !g_utf8_validate(raw.config, -1, nullptr)) {

@@ -7,10 +7,10 @@
 namespace preview {
 namespace {
 
-constexpr char kSourceLine[] = "source ~/.config/corvana/proxy.sh";
+constexpr char k_source_line[] = "source ~/.config/corvana/proxy.sh";
 // The script takes the variables back in this mode.
-constexpr char kNoSourceLine[] = "此模式下不设置终端环境变量";
-constexpr char kNoPort[] = "配置中没有 mixed 入站端口";
+constexpr char k_no_source_line[] = "此模式下不设置终端环境变量";
+constexpr char k_no_port[] = "配置中没有 mixed 入站端口";
 
 GtkLabel* add_row(GtkGrid* grid, int row, const char* caption, const char* copy_name,
                   GtkWidget** copy_button) {
@@ -40,9 +40,9 @@ void show_text(GtkLabel* label, const std::string& text, bool can_be_copied,
 std::unique_ptr<ProxyAddressPanel> proxy_address_panel_new() {
   auto panel = std::make_unique<ProxyAddressPanel>();
   GtkWidget* grid = gtk_grid_new();
-  gtk_grid_set_row_spacing(GTK_GRID(grid), kSpacing);
-  gtk_grid_set_column_spacing(GTK_GRID(grid), kSpacing);
-  set_all_margins(grid, kSpacing);
+  gtk_grid_set_row_spacing(GTK_GRID(grid), k_spacing);
+  gtk_grid_set_column_spacing(GTK_GRID(grid), k_spacing);
+  set_all_margins(grid, k_spacing);
   panel->address = add_row(GTK_GRID(grid), 0, "代理地址", "复制本机代理地址", &panel->copy_address);
   panel->source_line =
       add_row(GTK_GRID(grid), 1, "终端使用", "复制终端命令", &panel->copy_source_line);
@@ -55,9 +55,9 @@ std::unique_ptr<ProxyAddressPanel> proxy_address_panel_new() {
 void proxy_address_panel_show(const ProxyAddressPanel& panel, std::optional<int> port,
                               ProxyMode mode) {
   const bool in_terminals = mode == ProxyMode::set_system_proxy;
-  show_text(panel.address, port ? "127.0.0.1:" + std::to_string(*port) : kNoPort, port.has_value(),
-            panel.copy_address);
-  show_text(panel.source_line, in_terminals ? kSourceLine : kNoSourceLine, in_terminals,
+  show_text(panel.address, port ? "127.0.0.1:" + std::to_string(*port) : k_no_port,
+            port.has_value(), panel.copy_address);
+  show_text(panel.source_line, in_terminals ? k_source_line : k_no_source_line, in_terminals,
             panel.copy_source_line);
 }
 

@@ -30,24 +30,24 @@ struct ServiceClient {
 
 namespace {
 
-constexpr unsigned kBusyPollMilliseconds = 150;
+constexpr unsigned k_busy_poll_milliseconds = 150;
 // Each question makes the host walk through all processes: seldom enough to cost nothing, often
 // enough to be noticed.
-constexpr unsigned kWatchMilliseconds = 2000;
+constexpr unsigned k_watch_milliseconds = 2000;
 // About two seconds of busy polling.
-constexpr unsigned kMostContradictions = 14;
+constexpr unsigned k_most_contradictions = 14;
 
-const Failure kNoReason = {"", "启动失败，后台服务没有给出原因。", ""};
-const Failure kNoAnswer = {"no_answer", "后台服务没有应答，请重新打开 Corvana。", ""};
-constexpr char kStopNeverRan[] = "thread_failed";
-const Failure kStopFailed = {
+const Failure k_no_reason = {"", "启动失败，后台服务没有给出原因。", ""};
+const Failure k_no_answer = {"no_answer", "后台服务没有应答，请重新打开 Corvana。", ""};
+constexpr char k_stop_never_ran[] = "thread_failed";
+const Failure k_stop_failed = {
     "", "核心没有停止，它可能属于其他用户，或拒绝退出。\n系统代理已经恢复，可以稍后再试一次。", ""};
 
 void ask(ServiceClient* client);
 
 void call(ServiceClient* client, const char* method, FlValue* args,
           std::function<void(const UiReply&)> on_reply) {
-  ui_invoke_method(client->messenger, kServiceChannel, method, args,
+  ui_invoke_method(client->messenger, k_service_channel, method, args,
                    [life = client->life, on_reply = std::move(on_reply)](const UiReply& reply) {
                      if (!life.expired()) on_reply(reply);
                    });
@@ -65,7 +65,7 @@ void ask_later(ServiceClient* client) {
   const bool watches = phase == Phase::connected || phase == Phase::stop_failed;
   const bool waits = is_busy(phase) || phase == Phase::checking;
   if (!waits && !watches) return;
-  run_later(waits ? kBusyPollMilliseconds : kWatchMilliseconds, client->life,
+  run_later(waits ? k_busy_poll_milliseconds : k_watch_milliseconds, client->life,
             [client, epoch = client->epoch] {
               if (epoch == client->epoch) ask(client);
             });
@@ -90,7 +90,7 @@ void fetch_start_failure(ServiceClient* client) {
     // The core of an earlier start may have gone on.
     if (client->status.stop_wanted && client->status.core_running) return stop(client);
     Failure failure = failure_in(reply.value);
-    if (failure.message.empty()) failure = kNoReason;
+    if (failure.message.empty()) failure = k_no_reason;
     set_phase(client, Phase::start_failed, std::move(failure));
   });
 }
@@ -100,8 +100,8 @@ void fetch_start_failure(ServiceClient* client) {
 void fetch_stop_failure(ServiceClient* client) {
   call(client, "getLastError", nullptr, [client](const UiReply& reply) {
     const Failure failure = failure_in(reply.value);
-    const bool never_ran = failure.code == kStopNeverRan && !client->task_was_seen;
-    set_phase(client, Phase::stop_failed, never_ran ? failure : kStopFailed);
+    const bool never_ran = failure.code == k_stop_never_ran && !client->task_was_seen;
+    set_phase(client, Phase::stop_failed, never_ran ? failure : k_stop_failed);
     ask_later(client);
   });
 }
@@ -111,7 +111,7 @@ void stop(ServiceClient* client) {
   // The answer to stopVPN is false also when all goes well, so only its arrival counts.
   call(client, "stopVPN", nullptr, [client](const UiReply& reply) {
     if (reply.kind != UiReply::Kind::success)
-      return set_phase(client, Phase::stop_failed, kNoAnswer);
+      return set_phase(client, Phase::stop_failed, k_no_answer);
     ask_later(client);
   });
 }
@@ -120,7 +120,7 @@ void take_report(ServiceClient* client, const TaskReport& report) {
   const Phase now = client->status.phase;
   client->task_was_seen |= !report.is_complete;
   client->contradictions = is_busy(now) && report.is_complete ? client->contradictions + 1 : 0;
-  const Phase next = next_phase(now, report, client->contradictions > kMostContradictions);
+  const Phase next = next_phase(now, report, client->contradictions > k_most_contradictions);
   const bool core_came_or_went = client->status.core_running != report.core_running;
   client->status.core_running = report.core_running;
 
@@ -138,10 +138,10 @@ void take_report(ServiceClient* client, const TaskReport& report) {
 
 // One missed answer says nothing about the task, which may still succeed.
 void take_silence(ServiceClient* client) {
-  if (++client->contradictions <= kMostContradictions) return ask_later(client);
+  if (++client->contradictions <= k_most_contradictions) return ask_later(client);
   const Phase now = client->status.phase;
   const bool began = now == Phase::checking || now == Phase::starting;
-  set_phase(client, began ? Phase::start_failed : Phase::stop_failed, kNoAnswer);
+  set_phase(client, began ? Phase::start_failed : Phase::stop_failed, k_no_answer);
 }
 
 void ask(ServiceClient* client) {
@@ -172,7 +172,7 @@ void service_client_connect(ServiceClient* client, const std::string& config, Pr
   fl_value_set_string_take(args, "proxyMode", fl_value_new_int(static_cast<int64_t>(mode)));
   call(client, "startVPN", args, [client](const UiReply& reply) {
     if (reply.kind != UiReply::Kind::success)
-      return set_phase(client, Phase::start_failed, kNoAnswer);
+      return set_phase(client, Phase::start_failed, k_no_answer);
     const bool accepted =
         fl_value_get_type(reply.value) == FL_VALUE_TYPE_BOOL && fl_value_get_bool(reply.value);
     if (!accepted) return fetch_start_failure(client);

@@ -13,7 +13,7 @@
 
 namespace preview {
 
-inline constexpr char kServiceChannel[] = "com.corvana.channel/proxy_service";
+inline constexpr char k_service_channel[] = "com.corvana.channel/proxy_service";
 
 struct Failure {
   std::string code;

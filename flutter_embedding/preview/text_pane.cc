@@ -8,7 +8,7 @@
 namespace preview {
 namespace {
 
-constexpr int kTextMargin = 6;
+constexpr int k_text_margin = 6;
 
 GtkTextView* view_new(const char* accessible_name) {
   g_autoptr(GtkTextBuffer) buffer = log_view_buffer_new();
@@ -18,10 +18,10 @@ GtkTextView* view_new(const char* accessible_name) {
   gtk_text_view_set_cursor_visible(view, FALSE);
   gtk_text_view_set_monospace(view, TRUE);
   gtk_text_view_set_wrap_mode(view, GTK_WRAP_WORD_CHAR);
-  gtk_text_view_set_left_margin(view, kTextMargin);
-  gtk_text_view_set_right_margin(view, kTextMargin);
-  gtk_text_view_set_top_margin(view, kTextMargin);
-  gtk_text_view_set_bottom_margin(view, kTextMargin);
+  gtk_text_view_set_left_margin(view, k_text_margin);
+  gtk_text_view_set_right_margin(view, k_text_margin);
+  gtk_text_view_set_top_margin(view, k_text_margin);
+  gtk_text_view_set_bottom_margin(view, k_text_margin);
   // Tab leaves the text, as it has nothing to insert.
   gtk_text_view_set_accepts_tab(view, FALSE);
   add_style_class(widget, "preview-value");

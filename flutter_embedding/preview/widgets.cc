@@ -7,16 +7,16 @@
 namespace preview {
 namespace {
 
-constexpr char kStyle[] = R"(
+constexpr char k_style[] = R"(
 .preview-title { font-size: 160%; font-weight: bold; }
 .preview-good { color: @success_color; }
 .preview-bad { color: @error_color; }
 .preview-value { font-size: 90%; }
 )";
 
-constexpr unsigned kCopiedMilliseconds = 1500;
-constexpr char kCopy[] = "复制";
-constexpr char kCopied[] = "已复制";
+constexpr unsigned k_copied_milliseconds = 1500;
+constexpr char k_copy[] = "复制";
+constexpr char k_copied[] = "已复制";
 
 using Handler = std::function<void()>;
 
@@ -25,15 +25,15 @@ void run_handler(gpointer data) { run_guarded(*static_cast<Handler*>(data)); }
 void free_handler(gpointer data, GClosure*) { delete static_cast<Handler*>(data); }
 
 gboolean restore_copy_label(gpointer button) {
-  gtk_button_set_label(GTK_BUTTON(button), kCopy);
+  gtk_button_set_label(GTK_BUTTON(button), k_copy);
   return G_SOURCE_REMOVE;
 }
 
 void copy_and_say_so(GtkWidget* button, const std::string& text) {
   gtk_clipboard_set_text(gtk_widget_get_clipboard(button, GDK_SELECTION_CLIPBOARD), text.data(),
                          static_cast<int>(text.size()));
-  gtk_button_set_label(GTK_BUTTON(button), kCopied);
-  g_timeout_add_full(G_PRIORITY_DEFAULT, kCopiedMilliseconds, restore_copy_label,
+  gtk_button_set_label(GTK_BUTTON(button), k_copied);
+  g_timeout_add_full(G_PRIORITY_DEFAULT, k_copied_milliseconds, restore_copy_label,
                      g_object_ref(button), g_object_unref);
 }
 
@@ -45,7 +45,7 @@ void load_style() {
   static bool loaded = false;
   if (std::exchange(loaded, true)) return;
   g_autoptr(GtkCssProvider) provider = gtk_css_provider_new();
-  gtk_css_provider_load_from_data(provider, kStyle, -1, nullptr);
+  gtk_css_provider_load_from_data(provider, k_style, -1, nullptr);
   gtk_style_context_add_provider_for_screen(gdk_screen_get_default(), GTK_STYLE_PROVIDER(provider),
                                             GTK_STYLE_PROVIDER_PRIORITY_APPLICATION);
 }
@@ -110,7 +110,7 @@ GtkWidget* button_new(const char* label_with_mnemonic, std::function<void()> on_
 }
 
 GtkWidget* copy_button_new(const char* accessible_name, std::function<std::string()> text) {
-  GtkWidget* button = gtk_button_new_with_label(kCopy);
+  GtkWidget* button = gtk_button_new_with_label(k_copy);
   atk_object_set_name(gtk_widget_get_accessible(button), accessible_name);
   gtk_widget_set_tooltip_text(button, accessible_name);
   gtk_widget_set_valign(button, GTK_ALIGN_CENTER);

@@ -10,8 +10,8 @@
 // gtk_widget_show_all. Main thread only.
 namespace preview {
 
-inline constexpr int kMargin = 18;
-inline constexpr int kSpacing = 12;
+inline constexpr int k_margin = 18;
+inline constexpr int k_spacing = 12;
 
 // Loads the few rules that GTK's own style classes don't cover, once per process.
 void load_style();

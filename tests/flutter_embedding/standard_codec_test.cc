@@ -93,9 +93,9 @@ TEST(StandardCodec, WhatIsMalformedIsNeitherReadNorWritten) {
   g_autoptr(FlValue) text = fl_value_new_string("\xff");
   EXPECT_EQ(encode_value(text, nullptr), nullptr);
   ValueRef nested(fl_value_new_null());
-  for (int depth = 0; depth <= deepest_nesting + 1; ++depth) {
+  for (int depth = 0; depth <= k_deepest_nesting + 1; ++depth) {
     g_autoptr(GBytes) encoded = encode_value(nested.get(), nullptr);
-    EXPECT_EQ(encoded != nullptr && decode_value(encoded, nullptr), depth <= deepest_nesting);
+    EXPECT_EQ(encoded != nullptr && decode_value(encoded, nullptr), depth <= k_deepest_nesting);
     ValueRef inner = std::exchange(nested, ValueRef(fl_value_new_list()));
     fl_value_append_take(nested.get(), inner.release());
   }
