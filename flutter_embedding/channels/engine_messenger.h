@@ -4,6 +4,8 @@
 #ifndef CORVANA_FLUTTER_EMBEDDING_CHANNELS_ENGINE_MESSENGER_H_
 #define CORVANA_FLUTTER_EMBEDDING_CHANNELS_ENGINE_MESSENGER_H_
 
+#include <functional>
+
 #include "flutter_embedding/channels/binary_messenger.h"
 
 G_DECLARE_FINAL_TYPE(FlEngineMessenger, fl_engine_messenger, FL, ENGINE_MESSENGER, GObject)

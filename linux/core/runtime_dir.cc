@@ -25,4 +25,6 @@ std::string get_user_runtime_dir() {
   return fallback_dir();
 }
 
-std::string runtime_log_path() { return get_user_runtime_dir() + "/runtime.log"; }
+std::string runtime_log_in(const std::string& runtime_dir) { return runtime_dir + "/runtime.log"; }
+
+std::string runtime_log_path() { return runtime_log_in(get_user_runtime_dir()); }

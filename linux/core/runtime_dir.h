@@ -8,7 +8,10 @@
 // written. Never fails; where even /tmp refuses, whoever uses the path meets the error. Any thread.
 std::string get_user_runtime_dir();
 
-// The core's log: "runtime.log" in that directory, which this makes too. Any thread.
+// The core's log: "runtime.log" in that directory. Pure.
+std::string runtime_log_in(const std::string& runtime_dir);
+
+// The same in get_user_runtime_dir(), which this makes too. Any thread.
 std::string runtime_log_path();
 
 #endif

@@ -55,8 +55,8 @@ static void launch_core(const std::string& core_path, const std::string& config_
                         const std::string& runtime_dir) {
   const std::string quoted_dir = escape_path(runtime_dir);
   const std::string command = "nohup " + escape_path(core_path) + " run -c " +
-                              escape_path(config_path) + " -D " + quoted_dir + " > " + quoted_dir +
-                              "/runtime.log 2>&1 &";
+                              escape_path(config_path) + " -D " + quoted_dir + " > " +
+                              runtime_log_in(quoted_dir) + " 2>&1 &";
   print_line("[Corvana] 执行(zant): " + command);
   run_shell_command(command);
 }
@@ -71,7 +71,7 @@ static void set_proxy_for(const StartRequest& request, int mixed_port) {
 // False also when the host begins to leave on the way; then no failure is recorded.
 static bool bring_up_core(const StartRequest& request, const std::string& core_path,
                           const std::string& runtime_dir) {
-  const std::string log_path = runtime_dir + "/runtime.log";
+  const std::string log_path = runtime_log_in(runtime_dir);
   end_stale_core();
   const CorePorts ports = read_core_ports(request.config_path);
   if (ports.clash_api < 1) {

@@ -62,6 +62,7 @@ TEST_F(SampleCore, EndsWithOneLineOnABadCommandLine) {
   const std::string api = R"(1}], "experimental": {"clash_api": {"external_controller": 1}}})";
   const std::string rows[][3] = {
       {"walk", "", "unknown command: walk"},
+      {"version x", "", "unexpected argument: x"},
       {"run -c core.json '--no\nsuch'", "", "Unknown option --no?such"},
       {"run -c core.json", "", "Address already in use"},
       {"run -c absent", "", "No such file"},

@@ -175,6 +175,7 @@ struct _FlMethodCodecClass {
 G_DECLARE_FINAL_TYPE(FlStandardMethodCodec, fl_standard_method_codec, FL, STANDARD_METHOD_CODEC,
                      FlMethodCodec)
 
+// Text that is not UTF-8 and values nested deeper than 128 levels can be neither read nor written.
 FlStandardMethodCodec* fl_standard_method_codec_new(void);
 
 // A call that waits for its answer. When its last reference goes unanswered, the caller learns
