@@ -4,6 +4,7 @@
 
 #include <csignal>
 #include <exception>
+#include <functional>
 #include <string>
 
 #include "core/core_name.h"
@@ -22,7 +23,7 @@ static bool g_workers_gone = true;
 bool have_workers_gone() { return g_workers_gone; }
 
 // One step's failure must not keep the next from its work.
-static void attempt(void (*step)()) {
+static void attempt(const std::function<void()>& step) {
   try {
     step();
   } catch (const std::exception& error) {
@@ -40,11 +41,7 @@ static void clean_up_core() {
 
 void announce_leaving(const char* line) {
   begin_leaving();
-  try {
-    print_line(line);
-  } catch (const std::exception&) {
-    // Leaving is what counts.
-  }
+  attempt([line] { print_line(line); });
 }
 
 void leave_cleanly() {

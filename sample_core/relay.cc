@@ -19,9 +19,10 @@ struct Relay {
   GCancellable* stop;  // cancelled when one direction fails, to end the other
   std::string label;
   Upload upload;
-  int open_directions;
-  GSocketConnection* last_sender;  // of the direction that is still open when the other has ended
-  guint silence_check;             // a timer's id, 0 while both directions are open
+  int open_directions = 2;
+  // The sender that is left when one direction has ended, and the timer that watches it.
+  GSocketConnection* last_sender = nullptr;
+  guint silence_check = 0;
 };
 
 // Held while a relay goes from a worker to the main loop, to which it then belongs. GLib's own
@@ -31,13 +32,7 @@ static std::mutex g_handover_mutex;
 static Relay* relay_new(const Client& client, GSocketConnection* upstream, const std::string& label,
                         Upload upload) {
   return new Relay{G_SOCKET_CONNECTION(g_object_ref(client.connection)),
-                   G_SOCKET_CONNECTION(g_object_ref(upstream)),
-                   g_cancellable_new(),
-                   label,
-                   upload,
-                   2,
-                   nullptr,
-                   0};
+                   G_SOCKET_CONNECTION(g_object_ref(upstream)), g_cancellable_new(), label, upload};
 }
 
 static void free_relay(Relay* relay) {
