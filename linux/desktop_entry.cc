@@ -29,11 +29,11 @@ static bool contains_ignoring_case(const char* text, const char* word) {
 }
 
 static void install_icon(const std::string& source, const std::string& target) {
-  if (!fs::exists(source)) {
-    print_error_line("警告: 图标文件未找到，桌面图标可能无法正常显示");
-    return;
-  }
   try {
+    if (!fs::exists(source)) {
+      print_error_line("警告: 图标文件未找到，桌面图标可能无法正常显示");
+      return;
+    }
     // A copy of a read-only file can't be overwritten.
     fs::remove(target);
     fs::copy_file(source, target);

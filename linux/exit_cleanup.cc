@@ -63,6 +63,7 @@ void hook_exit_signals(GApplication* application) {
   for (const int signal_number : k_exit_signals) {
     g_unix_signal_add(signal_number, on_unix_exit_signal, application);
   }
-  // These stay: a second Ctrl-C must not end the process in the middle of the clean-up.
+  // Those go with their first signal. These stay: a second Ctrl-C must not end the process in the
+  // middle of the clean-up.
   for (const int signal_number : k_exit_signals) leave_at_signal(signal_number);
 }

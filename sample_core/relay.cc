@@ -1,8 +1,10 @@
 #include "relay.h"
 
 #include <gio/gio.h>
+#include <linux/sockios.h>
 #include <netinet/in.h>
 #include <netinet/tcp.h>
+#include <sys/ioctl.h>
 #include <sys/socket.h>
 
 #include <mutex>
@@ -43,54 +45,60 @@ static void free_relay(Relay* relay) {
   delete relay;
 }
 
-static bool has_been_silent(GSocketConnection* sender) {
-  tcp_info info = {};
-  socklen_t size = sizeof info;
-  const int fd = g_socket_get_fd(g_socket_connection_get_socket(sender));
-  return getsockopt(fd, IPPROTO_TCP, TCP_INFO, &info, &size) == 0 &&
-         info.tcpi_last_data_recv > k_longest_silence_milliseconds;
-}
-
-static gboolean end_if_silent(gpointer user_data) {
-  Relay* relay = static_cast<Relay*>(user_data);
-  if (!has_been_silent(relay->last_sender)) return G_SOURCE_CONTINUE;
-  log_event(relay->label + " broken off: silent since one side has ended");
-  g_cancellable_cancel(relay->stop);
-  return G_SOURCE_CONTINUE;
-}
-
-// The direction that ends last takes the relay with it. The other may have much to say yet; but if
-// its receiver has gone, only the silence tells.
-static void finish_direction(Relay* relay, GSocketConnection* other_sender) {
-  if (--relay->open_directions == 0) return free_relay(relay);
-  relay->last_sender = other_sender;
-  relay->silence_check = g_timeout_add_seconds(k_silence_check_seconds, end_if_silent, relay);
+static int descriptor_of(GSocketConnection* connection) {
+  return g_socket_get_fd(g_socket_connection_get_socket(connection));
 }
 
 // A receiver that saw an orderly end would take half an answer for a whole one.
 static void reset_when_closed(GSocketConnection* connection) {
   const linger at_once = {1, 0};
-  const int fd = g_socket_get_fd(g_socket_connection_get_socket(connection));
-  setsockopt(fd, SOL_SOCKET, SO_LINGER, &at_once, sizeof at_once);
+  setsockopt(descriptor_of(connection), SOL_SOCKET, SO_LINGER, &at_once, sizeof at_once);
 }
 
-static void break_off(Relay* relay, const GError* error) {
+static void break_off(Relay* relay, const char* reason) {
   if (g_cancellable_is_cancelled(relay->stop)) return;
-  log_event(relay->label + " broken off: " + error->message);
+  log_event(relay->label + " broken off: " + reason);
   reset_when_closed(relay->client);
   reset_when_closed(relay->upstream);
   g_cancellable_cancel(relay->stop);
 }
 
+// A sender whose receiver takes its time can't be blamed.
+static bool has_been_silent(GSocketConnection* sender, GSocketConnection* receiver) {
+  int unsent_bytes = 0;
+  tcp_info info = {};
+  socklen_t size = sizeof info;
+  return ioctl(descriptor_of(receiver), SIOCOUTQ, &unsent_bytes) == 0 && unsent_bytes == 0 &&
+         getsockopt(descriptor_of(sender), IPPROTO_TCP, TCP_INFO, &info, &size) == 0 &&
+         info.tcpi_last_data_recv > k_longest_silence_milliseconds;
+}
+
+static gboolean end_if_silent(gpointer user_data) {
+  Relay* relay = static_cast<Relay*>(user_data);
+  GSocketConnection* sender = relay->last_sender;
+  GSocketConnection* receiver = sender == relay->client ? relay->upstream : relay->client;
+  if (has_been_silent(sender, receiver)) break_off(relay, "silent since one side has ended");
+  return G_SOURCE_CONTINUE;
+}
+
+// The direction that ends last takes the relay with it. The other may have much to say yet; but if
+// its receiver has gone, only the silence tells.
+static void end_direction(Relay* relay, const GError* error, GSocketConnection* receiver) {
+  if (error == nullptr) {
+    g_socket_shutdown(g_socket_connection_get_socket(receiver), FALSE, TRUE, nullptr);
+  } else {
+    break_off(relay, error->message);
+  }
+  if (--relay->open_directions == 0) return free_relay(relay);
+  relay->last_sender = receiver;
+  relay->silence_check = g_timeout_add_seconds(k_silence_check_seconds, end_if_silent, relay);
+}
+
 static void on_direction_ended(Relay* relay, GObject* output, GAsyncResult* result,
                                GSocketConnection* receiver) {
   g_autoptr(GError) error = nullptr;
-  if (g_output_stream_splice_finish(G_OUTPUT_STREAM(output), result, &error) >= 0) {
-    g_socket_shutdown(g_socket_connection_get_socket(receiver), FALSE, TRUE, nullptr);
-  } else {
-    break_off(relay, error);
-  }
-  finish_direction(relay, receiver);
+  g_output_stream_splice_finish(G_OUTPUT_STREAM(output), result, &error);
+  end_direction(relay, error, receiver);
 }
 
 static void on_upload_ended(GObject* output, GAsyncResult* result, gpointer user_data) {
@@ -121,10 +129,11 @@ static void discard_bytes(Relay* relay);
 
 static void on_discarded(GObject* input, GAsyncResult* result, gpointer user_data) {
   Relay* relay = static_cast<Relay*>(user_data);
-  if (g_input_stream_skip_finish(G_INPUT_STREAM(input), result, nullptr) > 0) {
+  g_autoptr(GError) error = nullptr;
+  if (g_input_stream_skip_finish(G_INPUT_STREAM(input), result, &error) > 0) {
     return discard_bytes(relay);
   }
-  finish_direction(relay, relay->upstream);
+  end_direction(relay, error, relay->upstream);
 }
 
 static void discard_bytes(Relay* relay) {

@@ -22,8 +22,8 @@ struct ParsedOptions {
 };
 
 // Reads a null-terminated vector that has no program name in front; null is an empty one. Any fault
-// gives the defaults, so that a mistyped option never leaves half of a wish carried out; only `quit`
-// is kept. Any thread, needs no display.
+// gives the defaults, so that a mistyped option never leaves half of a wish carried out; only
+// `quit` is kept. Any thread, needs no display.
 ParsedOptions parse_options(char** arguments);
 
 }  // namespace preview

@@ -4,6 +4,8 @@
 #include <poll.h>
 #include <unistd.h>
 
+#include <algorithm>
+#include <climits>
 #include <cstdio>
 
 #include "support/leaving.h"
@@ -20,17 +22,20 @@ void keep_standard_streams_open() {
 static bool wait_until_writable(int fd) {
   pollfd waited = {fd, POLLOUT, 0};
   int checks_left = 5;
-  while (poll(&waited, 1, 100) == 0) {
+  while (poll(&waited, 1, 100) <= 0) {
     if (is_leaving() && --checks_left == 0) return false;
   }
   return true;
 }
 
 static void write_line(std::FILE* stream, const std::string& line) {
-  if (!wait_until_writable(fileno(stream))) return;
   const std::string text = line + "\n";
-  std::fwrite(text.data(), 1, text.size(), stream);
-  std::fflush(stream);
+  // A pipe that can be written to has room for this much, so that no write blocks.
+  for (size_t start = 0; start < text.size(); start += PIPE_BUF) {
+    if (!wait_until_writable(fileno(stream))) return;
+    std::fwrite(text.data() + start, 1, std::min<size_t>(PIPE_BUF, text.size() - start), stream);
+    std::fflush(stream);
+  }
 }
 
 void print_line(const std::string& line) { write_line(stdout, line); }

@@ -8,9 +8,9 @@
 // Fails silently. To be called before anything else is opened.
 void keep_standard_streams_open();
 
-// Both write `line` (UTF-8, may hold line feeds of its own) and a line feed to their stream as one
-// piece and flush it. A stream that can't be written to is no error, and one that nobody reads loses
-// the line when the host is leaving. Any thread.
+// Both write `line` (UTF-8, may hold line feeds of its own) and a line feed to their stream and flush
+// it; up to 4096 bytes go as one piece. A stream that can't be written to is no error. One that nobody
+// reads loses the line half a second after the host has begun to leave. Any thread.
 void print_line(const std::string& line);
 void print_error_line(const std::string& line);
 

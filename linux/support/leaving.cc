@@ -17,7 +17,7 @@ void begin_leaving() {
 }
 
 // Apart from the main loop, which may be waiting for the very command that a signal should cut
-// short. Whoever asks whether the host is leaving runs it.
+// short.
 static GMainContext* signal_context() {
   static GMainContext* const context = g_main_context_new();
   return context;
@@ -34,9 +34,13 @@ void leave_at_signal(int signal_number) {
   g_source_unref(source);
 }
 
-bool is_leaving() {
+static void look_for_signals() {
   while (g_main_context_iteration(signal_context(), FALSE)) {
   }
+}
+
+bool is_leaving() {
+  look_for_signals();
   const std::lock_guard<std::mutex> lock(g_leaving_mutex);
   return g_leaving;
 }

@@ -9,8 +9,8 @@
 void begin_leaving();
 bool is_leaving();
 
-// From here on is_leaving() is true once `signal_number`, one that GLib can watch for, has come,
-// even while the main loop is held up; and the signal doesn't end the process any more.
+// From here on `signal_number`, one that GLib can watch for, begins the leaving too, even while the
+// main loop is held up: whoever calls is_leaving() finds it. It doesn't end the process any more.
 void leave_at_signal(int signal_number);
 
 // Sleeps for `duration` of steady time. False when leaving has begun before it was over.

@@ -205,9 +205,13 @@ TEST_F(LeavingTest, ACommandThatHoldsUpTheMainLoopIsCutShort) {
 // The desktop goes on pointing at the core that was ended for the new one.
 TEST_F(LeavingTest, AfterAFailedRestartTheProxyIsTakenBack) {
   ChildProcess earlier_core(start_earlier_core());
-  write_file(config_, "no core accepts \"external_controller\": \"127.0.0.1:9090\"");
-  ChildProcess host(connecting());
+  ASSERT_TRUE(eventually(does_core_run));
+  write_file("answered", "");
+  write_file("broken.json", "no core accepts \"external_controller\": \"127.0.0.1:9090\"");
+  ChildProcess host(connecting({"--config", "broken.json"}));
   ASSERT_TRUE(host.wait_for("未")) << host.console();
+  std::this_thread::sleep_for(300ms);  // until the start is over
+  EXPECT_EQ("manual\n", read_file("settings/proxy.mode"));
   kill(host.pid(), SIGTERM);
   EXPECT_EQ("", faults_at_the_end(host));
 }
