@@ -34,7 +34,6 @@ static void attempt(const std::function<void()>& step) {
 static void clean_up_core() {
   const bool core_runs = is_process_running(k_core_name);
   if (!core_runs && !is_proxy_stranded()) return;
-  // The proxy goes first: with the core dead and the proxy still set, the desktop has no internet.
   attempt(take_back_proxy);
   if (core_runs) attempt(terminate_core);
 }

@@ -8,7 +8,8 @@
 void note_stranded_proxy(bool stranded);
 bool is_proxy_stranded();
 
-// Clears the system proxy, wherever it points. Blocks for the desktop's tools. Any thread.
+// Clears the system proxy, wherever it points. Comes before the kill of a core: with that dead and
+// the proxy still set, the desktop has no internet. Blocks for the desktop's tools. Any thread.
 void take_back_proxy();
 
 #endif
