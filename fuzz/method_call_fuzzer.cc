@@ -22,8 +22,8 @@ static std::string text_without_nul(size_t most) {
 
 int run_shell_command(const std::string&) { return g_input->ConsumeBool() ? 0 : -1; }
 bool shell_command_succeeds(const std::string&) { return g_input->ConsumeBool(); }
-std::string read_command_output(const std::string&) { return g_input->ConsumeRandomLengthString(); }
-std::string read_first_line(const std::string& command, size_t size) {
+std::string command_output(const std::string&) { return g_input->ConsumeRandomLengthString(); }
+std::string first_output_line(const std::string& command, size_t size) {
   if (command.rfind("command -v", 0) == 0) return g_input->ConsumeBool() ? "/bin/true" : "";
   return text_without_nul(size - 1);
 }

@@ -2,7 +2,6 @@
 
 #include <glib-unix.h>
 
-#include <csignal>
 #include <exception>
 #include <functional>
 #include <string>
@@ -14,8 +13,6 @@
 #include "core/workers.h"
 #include "support/console.h"
 #include "support/leaving.h"
-
-static constexpr int k_exit_signals[] = {SIGTERM, SIGINT, SIGHUP};
 
 // Main thread only.
 static bool g_workers_gone = true;
@@ -62,7 +59,7 @@ void hook_exit_signals(GApplication* application) {
   for (const int signal_number : k_exit_signals) {
     g_unix_signal_add(signal_number, on_unix_exit_signal, application);
   }
-  // Those go with their first signal. These stay: a second Ctrl-C must not end the process in the
+  // Those sources end with their first signal. A second Ctrl-C must not end the process in the
   // middle of the clean-up.
-  for (const int signal_number : k_exit_signals) leave_at_signal(signal_number);
+  watch_exit_signals();
 }

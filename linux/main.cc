@@ -8,9 +8,12 @@
 
 int main(int argc, char** argv) {
   keep_standard_streams_open();
-  // A console that has gone away must not end the host before it has taken the proxy back, nor the
-  // tools that do so.
+  // A console that has gone away must not end the host before it has taken the proxy back.
   std::signal(SIGPIPE, SIG_IGN);
+  // Commands run in process groups of their own, in the terminal's background: a warning of a tool
+  // must not stop the tool.
+  std::signal(SIGTTOU, SIG_IGN);
+  std::signal(SIGTTIN, SIG_IGN);
   // A launcher that ignores this leaves no way to learn how a command has ended.
   std::signal(SIGCHLD, SIG_DFL);
   MyApplication* const application = my_application_new();

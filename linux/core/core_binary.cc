@@ -14,7 +14,7 @@ static bool is_usable_core(const std::string& path) {
 
 std::string find_zant_binary() {
   const std::string candidates[] = {
-      read_first_line("command -v zant 2>/dev/null", k_path_buffer_size),
+      first_output_line("command -v zant 2>/dev/null", k_path_buffer_size),
       get_executable_dir() + "/bin/zant",
       "/opt/corvana/bin/zant",
       "/usr/local/bin/zant",

@@ -25,7 +25,7 @@ static std::string session_type() {
 
 static std::string core_version(const std::string& core_path) {
   const std::string command = "\"" + core_path + "\" version 2>/dev/null | head -1";
-  const std::string version = read_first_line(command, k_version_buffer_size);
+  const std::string version = first_output_line(command, k_version_buffer_size);
   return version.empty() ? "unknown" : version;
 }
 

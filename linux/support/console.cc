@@ -5,6 +5,7 @@
 #include <unistd.h>
 
 #include <algorithm>
+#include <chrono>
 #include <climits>
 #include <cstdio>
 
@@ -18,12 +19,14 @@ void keep_standard_streams_open() {
   if (descriptor >= 0) close(descriptor);
 }
 
-// A pager that waits for its reader must not keep the host from taking the proxy back.
-static bool wait_until_writable(int fd) {
-  pollfd waited = {fd, POLLOUT, 0};
-  int checks_left = 5;
-  while (poll(&waited, 1, 100) <= 0) {
-    if (is_leaving() && --checks_left == 0) return false;
+// Without a limit, but no longer than k_console_limit while the host is leaving. Looks for exit
+// signals, because the main loop can't while the main thread waits here.
+static bool wait_until_writable(int descriptor) {
+  const auto began = std::chrono::steady_clock::now();
+  pollfd waited = {descriptor, POLLOUT, 0};
+  while (poll(&waited, 1, static_cast<int>(k_look_interval.count())) <= 0) {
+    look_for_exit_signals();
+    if (is_wait_over(began, k_console_limit)) return false;
   }
   return true;
 }

@@ -3,14 +3,14 @@
 
 #include <string>
 
-// Opens /dev/null in the place of each standard stream that the launcher has closed. Otherwise the
-// next connection, such as the one to the display, gets its number, and with it the console's lines.
-// Fails silently. To be called before anything else is opened.
+// Opens /dev/null in the place of each standard stream that the launcher has closed: a later
+// descriptor could become 1 or 2 and receive our output. Reports no failure. To be called before
+// anything else is opened.
 void keep_standard_streams_open();
 
 // Both write `line` (UTF-8, may hold line feeds of its own) and a line feed to their stream and flush
-// it; up to 4096 bytes go as one piece. A stream that can't be written to is no error. One that nobody
-// reads loses the line half a second after the host has begun to leave. Any thread.
+// it; up to 4096 bytes go as one piece. A stream that can't be written to is no error. One that
+// nobody reads loses the line once the host has been leaving for k_console_limit. Any thread.
 void print_line(const std::string& line);
 void print_error_line(const std::string& line);
 

@@ -1,18 +1,14 @@
 #include "support/shell_command.h"
 
-// The header of older C libraries forgets to say that its functions are C.
-extern "C" {
-#include <sys/pidfd.h>
-}
-
 #include <fcntl.h>
 #include <poll.h>
+#include <spawn.h>
+#include <sys/syscall.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
 #include <algorithm>
 #include <atomic>
-#include <cerrno>
 #include <csignal>
 #include <functional>
 #include <optional>
@@ -22,11 +18,6 @@ extern "C" {
 
 using std::chrono::milliseconds;
 using std::chrono::steady_clock;
-
-static constexpr milliseconds k_poll_interval{100};
-static constexpr milliseconds k_patience_while_leaving{5000};
-// Where one tool hangs, its next calls hang too, and a leaving host can't be patient with each.
-static constexpr milliseconds k_patience_after_a_hang{1000};
 
 // Written by every thread that runs a command.
 static std::atomic<steady_clock::time_point> g_last_activity{steady_clock::now()};
@@ -38,133 +29,164 @@ milliseconds time_since_shell_activity() {
   return std::chrono::duration_cast<milliseconds>(steady_clock::now() - g_last_activity.load());
 }
 
-namespace {
-
-// How long a command may go on without an answer: for ever, but while the host is leaving.
-class Patience {
- public:
-  bool is_over() {
-    if (!is_leaving()) return false;
-    const auto now = steady_clock::now();
-    if (!began_) began_ = now;
-    const auto limit = g_command_has_hung ? k_patience_after_a_hang : k_patience_while_leaving;
-    return now - *began_ >= limit;
-  }
-
- private:
-  std::optional<steady_clock::time_point> began_;
-};
-
-}  // namespace
-
-// In a child that still shares the host's memory: nothing but system calls, and all signals blocked
-// until no handler of the host's is left. A Ctrl-C that has come since the fork was meant for the
-// host, as was a Ctrl-Z, which would leave the host waiting for a stopped child; ignoring it for a
-// moment throws it away, and from the new group on no more of them come. What the terminal sends to
-// a group in its background stays ignored: a tool's warning must not stop the tool.
-[[noreturn]] static void become_shell(const char* text, int output, const sigset_t& mask) {
-  setpgid(0, 0);
-  for (int signal_number = 1; signal_number < NSIG; ++signal_number) {
-    const auto before = std::signal(signal_number, SIG_IGN);
-    const bool from_terminal = signal_number == SIGTTOU || signal_number == SIGTTIN;
-    if (before != SIG_IGN && !from_terminal) std::signal(signal_number, SIG_DFL);
-  }
-  if (output >= 0) dup2(output, STDOUT_FILENO);
-  sigprocmask(SIG_SETMASK, &mask, nullptr);
-  execl("/bin/sh", "sh", "-c", text, nullptr);
-  _exit(127);
+// Looks for exit signals, because the main loop can't while the main thread waits for a command.
+static bool has_hung(steady_clock::time_point began) {
+  look_for_exit_signals();
+  return is_wait_over(began, g_command_has_hung ? k_command_limit_after_hang : k_command_limit);
 }
 
-// The shell leads a process group of its own: a Ctrl-C in the host's terminal must not end the very
-// commands that take the proxy back, and a hung command can be ended with its children. Standard
-// output goes to `output`, or where the host's goes when that is -1. -1 when no process can be made.
-// Not fork: copying the page tables of a process with a window takes as long as a short command.
-static pid_t fork_shell(const std::string& text, int output) {
-  sigset_t all_signals;
-  sigset_t mask;
-  sigfillset(&all_signals);
-  pthread_sigmask(SIG_SETMASK, &all_signals, &mask);
-  const pid_t shell = vfork();
-  if (shell == 0) become_shell(text.c_str(), output, mask);
-  pthread_sigmask(SIG_SETMASK, &mask, nullptr);
+// A tool that warns on a console which has gone would die of it before it has done its work.
+static bool is_console_gone(int descriptor) {
+  pollfd console = {descriptor, POLLOUT, 0};
+  return poll(&console, 1, 0) > 0 && (console.revents & (POLLERR | POLLHUP)) != 0;
+}
+
+static void set_output(posix_spawn_file_actions_t* actions, int output) {
+  if (output >= 0) posix_spawn_file_actions_adddup2(actions, output, STDOUT_FILENO);
+  for (const int console : {STDOUT_FILENO, STDERR_FILENO}) {
+    if ((output >= 0 && console == STDOUT_FILENO) || !is_console_gone(console)) continue;
+    posix_spawn_file_actions_addopen(actions, console, "/dev/null", O_WRONLY, 0);
+  }
+}
+
+// SIGPIPE, which the host ignores, ends a command as anywhere else. A Ctrl-Z between the fork and the
+// new process group is meant for the host: stopped before its exec, the shell would hold it up.
+static void set_signals(posix_spawnattr_t* attributes) {
+  sigset_t defaults, blocked;
+  sigemptyset(&defaults);
+  sigaddset(&defaults, SIGPIPE);
+  sigemptyset(&blocked);
+  sigaddset(&blocked, SIGTSTP);
+  posix_spawnattr_setsigdefault(attributes, &defaults);
+  posix_spawnattr_setsigmask(attributes, &blocked);
+}
+
+// Standard output goes to `output`, or where the host's goes when that is -1. -1 when no process can
+// be made.
+static pid_t start_shell(const std::string& command, int output) {
+  posix_spawn_file_actions_t actions;
+  posix_spawnattr_t attributes;
+  posix_spawn_file_actions_init(&actions);
+  posix_spawnattr_init(&attributes);
+  set_output(&actions, output);
+  set_signals(&attributes);
+  posix_spawnattr_setpgroup(&attributes, 0);
+  posix_spawnattr_setflags(&attributes,
+                           POSIX_SPAWN_SETPGROUP | POSIX_SPAWN_SETSIGMASK | POSIX_SPAWN_SETSIGDEF);
+  const char* const arguments[] = {"sh", "-c", command.c_str(), nullptr};
+  pid_t shell = -1;
+  const int error = posix_spawn(&shell, "/bin/sh", &actions, &attributes,
+                                const_cast<char* const*>(arguments), environ);
+  posix_spawnattr_destroy(&attributes);
+  posix_spawn_file_actions_destroy(&actions);
   note_activity();
-  return shell;
+  return error == 0 ? shell : -1;
 }
 
-static bool wait_until_readable(int fd, Patience& patience) {
-  pollfd waited = {fd, POLLIN, 0};
-  while (poll(&waited, 1, static_cast<int>(k_poll_interval.count())) <= 0) {
-    if (patience.is_over()) return false;
-  }
+// False when the shell has ended, with `status`. One that a Ctrl-Z has stopped goes on.
+static bool is_shell_running(pid_t shell, int& status) {
+  const pid_t changed = waitpid(shell, &status, WNOHANG | WUNTRACED);
+  if (changed == 0) return true;
+  if (changed < 0 || !WIFSTOPPED(status)) return false;
+  kill(-shell, SIGCONT);
   return true;
 }
 
-// False when not even the kill was answered in time, as by a tool that waits for a dead disk.
-static bool wait_or_end_hung_shell(pid_t shell, Patience& patience) {
-  const UniqueFd shell_fd(pidfd_open(shell, 0));
-  if (!shell_fd) return true;
-  if (wait_until_readable(shell_fd.get(), patience)) return true;
-  g_command_has_hung = true;
-  kill(-shell, SIGKILL);
+// The wait status, or nothing when `is_over` before the shell has ended. Where the kernel gives no
+// descriptor for the process, poll() only takes up the time between two looks.
+static std::optional<int> wait_for_shell(pid_t shell, const std::function<bool()>& is_over) {
+  const UniqueFd shell_fd(static_cast<int>(syscall(SYS_pidfd_open, shell, 0)));
   pollfd ended = {shell_fd.get(), POLLIN, 0};
-  return poll(&ended, 1, static_cast<int>(k_patience_after_a_hang.count())) > 0;
-}
-
-static int finish_shell(pid_t shell, Patience& patience) {
   int status = -1;
-  if (!wait_or_end_hung_shell(shell, patience)) return -1;
-  while (waitpid(shell, &status, 0) < 0) {
-    if (errno != EINTR) return -1;
+  while (is_shell_running(shell, status)) {
+    if (poll(&ended, 1, static_cast<int>(k_look_interval.count())) <= 0 && is_over()) return {};
   }
   note_activity();
   return status;
 }
 
-int run_shell_command(const std::string& text) {
-  const pid_t shell = fork_shell(text, -1);
-  if (shell < 0) return -1;
-  Patience patience;
-  return finish_shell(shell, patience);
+// `began` is when the wait for the command began.
+static int finish_shell(pid_t shell, steady_clock::time_point began) {
+  auto status = wait_for_shell(shell, [began] { return has_hung(began); });
+  if (status) return *status;
+  g_command_has_hung = true;
+  kill(-shell, SIGKILL);
+  const auto killed = steady_clock::now();
+  status = wait_for_shell(shell, [killed] { return steady_clock::now() - killed >= k_kill_limit; });
+  return status.value_or(-1);
 }
 
-bool shell_command_succeeds(const std::string& text) { return run_shell_command(text) == 0; }
+// A Ctrl-C between the fork and the new process group ends the shell before it has run anything.
+static bool was_interrupted(int status) {
+  const auto* const end = std::end(k_exit_signals);
+  return WIFSIGNALED(status) && std::find(k_exit_signals, end, WTERMSIG(status)) != end;
+}
 
-// Runs `command` and gives what it prints, until `is_enough` says so of the text so far.
-static std::string read_output(const std::string& command,
-                               const std::function<bool(const std::string&)>& is_enough) {
+static int run_until_not_interrupted(const std::function<int()>& run) {
+  int status = run();
+  while (was_interrupted(status)) status = run();
+  return status;
+}
+
+int run_shell_command(const std::string& command) {
+  return run_until_not_interrupted([&command] {
+    const pid_t shell = start_shell(command, -1);
+    return shell < 0 ? -1 : finish_shell(shell, steady_clock::now());
+  });
+}
+
+bool shell_command_succeeds(const std::string& command) { return run_shell_command(command) == 0; }
+
+static bool wait_until_readable(int descriptor, steady_clock::time_point began) {
+  pollfd waited = {descriptor, POLLIN, 0};
+  while (poll(&waited, 1, static_cast<int>(k_look_interval.count())) <= 0) {
+    if (has_hung(began)) return false;
+  }
+  return true;
+}
+
+using IsEnough = std::function<bool(const std::string& text)>;
+
+static int run_and_read(const std::string& command, const IsEnough& is_enough, std::string& text) {
   int ends[2];
-  // Close-on-exec: a core that is launched meanwhile on another thread must not inherit the pipe.
-  if (pipe2(ends, O_CLOEXEC) != 0) return "";
+  // Close-on-exec: a core that another thread launches meanwhile must not inherit the pipe.
+  if (pipe2(ends, O_CLOEXEC) != 0) return -1;
   UniqueFd output(ends[0]);
   UniqueFd input(ends[1]);
-  const pid_t shell = fork_shell(command, input.get());
+  const pid_t shell = start_shell(command, input.get());
   input.reset();
-  if (shell < 0) return "";
-  std::string text;
-  Patience patience;
+  if (shell < 0) return -1;
+  const auto began = steady_clock::now();
   char chunk[4096];
-  while (!is_enough(text) && wait_until_readable(output.get(), patience)) {
+  while (!is_enough(text) && wait_until_readable(output.get(), began)) {
     const ssize_t count = read(output.get(), chunk, sizeof chunk);
     if (count <= 0) break;
     text.append(chunk, static_cast<size_t>(count));
   }
   output.reset();
-  finish_shell(shell, patience);
+  return finish_shell(shell, began);
+}
+
+// What `command` prints, until `is_enough` says so of the text so far.
+static std::string read_output(const std::string& command, const IsEnough& is_enough) {
+  std::string text;
+  run_until_not_interrupted([&] {
+    text.clear();
+    return run_and_read(command, is_enough, text);
+  });
   return text;
 }
 
-std::string read_first_line(const std::string& command, size_t buffer_size) {
-  const size_t most_bytes = buffer_size - 1;
-  std::string line = read_output(command, [most_bytes](const std::string& text) {
-    return text.size() >= most_bytes || text.find('\n') != text.npos;
+std::string first_output_line(const std::string& command, size_t buffer_size) {
+  const size_t max_size = buffer_size - 1;
+  std::string line = read_output(command, [max_size](const std::string& text) {
+    return text.size() >= max_size || text.find('\n') != text.npos;
   });
-  line.resize(std::min(line.size(), most_bytes));
-  line.erase(std::find(line.begin(), line.end(), '\n'), line.end());
-  line.erase(std::find(line.begin(), line.end(), '\0'), line.end());
-  line.erase(line.find_last_not_of("\r\n") + 1);
+  line.resize(std::min({line.size(), max_size, line.find('\n'), line.find('\0')}));
+  line.erase(line.find_last_not_of('\r') + 1);
   return line;
 }
 
-std::string read_command_output(const std::string& command) {
+std::string command_output(const std::string& command) {
   return read_output(command, [](const std::string&) { return false; });
 }

@@ -59,7 +59,7 @@ std::string detect_desktop_environment() {
   if (session_name.empty()) session_name = environment_value("DESKTOP_SESSION");
   std::string desktop = desktop_from_session_name(session_name);
   if (!desktop.empty()) return desktop;
-  return desktop_from_process_names(read_command_output("ps -eo comm= 2>/dev/null"));
+  return desktop_from_process_names(command_output("ps -eo comm= 2>/dev/null"));
 }
 
 bool has_command(const std::string& name) {

@@ -12,7 +12,8 @@ TEST(ShellQuoting, EscapesOnlyItsSetAndComesBackFromTheShellAsOneArgument) {
   };
   for (const auto& [path, escaped] : rows) {
     EXPECT_EQ(escape_path(path), escaped);
-    EXPECT_EQ(read_first_line("printf '%s:' " + escape_path(path), 4096), std::string(path) + ":");
+    EXPECT_EQ(first_output_line("printf '%s:' " + escape_path(path), 4096),
+              std::string(path) + ":");
   }
   EXPECT_EQ(escape_path("*?\t\n"), "*?\t\n");
 }

@@ -14,6 +14,16 @@ TEST(Bundle, NeedsItsLibrariesAndLooksForThemOnlyBesideTheExecutable) {
                 " LC_ALL=C sort | grep -E '_plugin|flutter|dbus|libproxy|/' | paste -sd ' '"));
 }
 
+// A newer C library's headers bring newer names of old functions.
+#if __GLIBC_MINOR__ <= 36
+TEST(Bundle, RunsWithTheCLibraryOfOlderReleases) {
+  const std::string versions =
+      output_of("objdump -T '" CORVANA_EXECUTABLE "' | grep -o 'GLIBC_[0-9.]*' | sort -Vu");
+  EXPECT_EQ(lines_of(versions).front(), "GLIBC_2.2.5");
+  EXPECT_LE(std::stoi(lines_of(versions).back().substr(8)), 35) << versions;
+}
+#endif
+
 // Application directories as people make them, down to what a shell or a desktop entry reserves.
 class InstalledEntry : public HostTest, public testing::WithParamInterface<const char*> {};
 

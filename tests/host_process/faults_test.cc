@@ -1,6 +1,7 @@
 #include <dirent.h>
 #include <dlfcn.h>
 #include <malloc.h>
+#include <spawn.h>
 #include <sys/resource.h>
 
 #include <atomic>
@@ -24,14 +25,13 @@ static std::atomic<bool> g_no_processes{false}, g_no_threads{false}, g_hidden_pr
     g_falling_clock{false};
 
 extern "C" {
-pid_t fork() {
-  if (g_no_processes) return errno = EAGAIN, -1;
-  static const auto real = reinterpret_cast<decltype(&fork)>(dlsym(RTLD_NEXT, "fork"));
-  return real();
+int posix_spawn(pid_t* pid, const char* path, const posix_spawn_file_actions_t* actions,
+                const posix_spawnattr_t* attributes, char* const* argv, char* const* envp) {
+  if (g_no_processes) return EAGAIN;
+  static const auto real =
+      reinterpret_cast<decltype(&posix_spawn)>(dlsym(RTLD_NEXT, "posix_spawn"));
+  return real(pid, path, actions, attributes, argv, envp);
 }
-
-// The real one can't be called from here: its child would return from this function first.
-pid_t vfork() { return fork(); }
 
 int pthread_create(pthread_t* thread, const pthread_attr_t* attributes, void* (*body)(void*),
                    void* argument) {

@@ -36,6 +36,7 @@ class LeavingTest : public HostTest {
 read -r delay hangs_at <pace
 sleep "$delay"
 case ${hangs_at:-never} in "$4" | all) sleep 1000 ;; esac
+echo "a warning" >&2
 echo "$4" >"settings/${2#org.gnome.system.}.$3"
 : >answered
 )");
@@ -198,6 +199,15 @@ TEST_F(LeavingTest, ACommandThatHoldsUpTheMainLoopIsCutShort) {
   home_.add_stand_in("systemctl", "#!/bin/sh\n: >asked\nsleep 1000\n");
   ChildProcess host(connecting({"--page", "diagnostics"}));
   ASSERT_TRUE(eventually([] { return fs::exists("asked"); })) << host.console();
+  kill(host.pid(), SIGTERM);
+  EXPECT_EQ("", faults_at_the_end(host));
+}
+
+// The tools write warnings to it, and a write to a pipe that nobody reads ends a program.
+TEST_F(LeavingTest, AConsoleThatHasGoneIsNoHindrance) {
+  ChildProcess host(
+      connecting({}, {"bash", "-c", "exec \"$0\" \"$@\" > >(head -c 1 >/dev/null) 2>&1"}));
+  ASSERT_TRUE(eventually([] { return read_file("settings/proxy.socks.port") == "7890\n"; }));
   kill(host.pid(), SIGTERM);
   EXPECT_EQ("", faults_at_the_end(host));
 }

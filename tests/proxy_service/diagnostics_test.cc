@@ -1,6 +1,7 @@
 #include <gtest/gtest.h>
 #include <stdlib.h>
 
+#include <csignal>
 #include <filesystem>
 
 #include "executable_dir.h"
@@ -8,6 +9,7 @@
 #include "support/temporary_home.h"
 
 TEST(Diagnostics, EveryProbeTrueAndTheShapesOfTheVersion) {
+  std::signal(SIGPIPE, SIG_IGN);  // as the host does
   const TemporaryHome home;
   home.allow_only({"grep", "head"});
   home.add_recorders({"gsettings", "kwriteconfig6", "systemctl"});
@@ -23,6 +25,7 @@ TEST(Diagnostics, EveryProbeTrueAndTheShapesOfTheVersion) {
       {"echo 1.2 >&2", "unknown"},
       {"echo " + long_line + "; exit 3", long_line.substr(0, 255)},
       {"printf '1.2\\377\\r\\n'", "1.2\uFFFD"},
+      {"i=0; while [ $((i += 1)) -lt 100000 ]; do echo 1; done; echo >still-printing", "1"},
   };
   for (const auto& [script, version] : rows) {
     home.add_stand_in("zant", "#!/bin/sh\n" + script + "\n");
@@ -34,6 +37,7 @@ TEST(Diagnostics, EveryProbeTrueAndTheShapesOfTheVersion) {
                   "/zant, coreExists: true, zantVersion: " + version +
                   ", runtimeLogPath: " + home.path() + "/.local/share/Corvana/run/runtime.log}");
   }
+  EXPECT_EQ(read_file("still-printing"), "") << "a core that nobody reads any more ends";
   EXPECT_EQ(home.recorded_commands().front(), "systemctl is-active --quiet corvana-helper");
   std::filesystem::remove_all("/dev/net");
 }
