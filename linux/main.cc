@@ -5,6 +5,7 @@
 #include "exit_cleanup.h"
 #include "my_application.h"
 #include "support/console.h"
+#include "support/leaving.h"
 
 int main(int argc, char** argv) {
   keep_standard_streams_open();
@@ -18,6 +19,8 @@ int main(int argc, char** argv) {
   std::signal(SIGCHLD, SIG_DFL);
   MyApplication* const application = my_application_new();
   const int exit_status = g_application_run(G_APPLICATION(application), argc, argv);
+  // All is taken back: what is left, such as a plugin whose teardown hangs, may be ended.
+  stop_watching_exit_signals();
   g_object_unref(application);
   if (!have_workers_gone()) _exit(exit_status);
   return exit_status;

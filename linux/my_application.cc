@@ -70,6 +70,9 @@ static gboolean my_application_local_command_line(GApplication* application, cha
 }
 
 static void my_application_shutdown(GApplication* application) {
+  // The clean-up may take seconds, and a closed window that stays on the screen looks frozen.
+  GdkDisplay* const display = gdk_display_get_default();
+  if (display != nullptr) gdk_display_flush(display);
   leave_cleanly();
   G_APPLICATION_CLASS(my_application_parent_class)->shutdown(application);
 }

@@ -54,6 +54,10 @@ void watch_exit_signals() {
   }
 }
 
+void stop_watching_exit_signals() {
+  for (const int signal_number : k_exit_signals) std::signal(signal_number, SIG_DFL);
+}
+
 void look_for_exit_signals() {
   if (g_signal_context == nullptr) return;
   while (g_main_context_iteration(g_signal_context, FALSE)) {

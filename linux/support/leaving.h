@@ -41,6 +41,9 @@ bool is_wait_over(std::chrono::steady_clock::time_point began, std::chrono::mill
 // before there are workers.
 void watch_exit_signals();
 
+// From here on each of k_exit_signals ends the process again.
+void stop_watching_exit_signals();
+
 // Begins leaving when an exit signal has arrived since watch_exit_signals(). The main loop looks for
 // them itself; this is for waits that may hold the main loop up.
 void look_for_exit_signals();

@@ -84,7 +84,7 @@ std::string output_of(const std::string& command) {
 
 bool does_core_run() { return !output_of(k_living + std::string("-f '[z]ant'")).empty(); }
 
-void close_window() {
+static void for_each_window(const std::function<void(Display*, Window)>& visit) {
   const std::unique_ptr<Display, int (*)(Display*)> display(XOpenDisplay(nullptr), XCloseDisplay);
   ASSERT_NE(display, nullptr);
   // A window may go at any time.
@@ -92,15 +92,28 @@ void close_window() {
   Window root = 0, parent = 0, *windows = nullptr;
   unsigned count = 0;
   XQueryTree(display.get(), DefaultRootWindow(display.get()), &root, &parent, &windows, &count);
-  const Atom protocols = XInternAtom(display.get(), "WM_PROTOCOLS", False);
-  const Atom close = XInternAtom(display.get(), "WM_DELETE_WINDOW", False);
-  for (unsigned i = 0; i < count; ++i) {
-    XEvent event = {};
-    event.xclient = {ClientMessage, 0, True, display.get(), windows[i], protocols, 32, {}};
-    event.xclient.data.l[0] = static_cast<long>(close);
-    XSendEvent(display.get(), windows[i], False, NoEventMask, &event);
-  }
+  for (unsigned i = 0; i < count; ++i) visit(display.get(), windows[i]);
   XFree(windows);
+}
+
+void close_window() {
+  for_each_window([](Display* display, Window window) {
+    const Atom protocols = XInternAtom(display, "WM_PROTOCOLS", False);
+    XEvent event = {};
+    event.xclient = {ClientMessage, 0, True, display, window, protocols, 32, {}};
+    event.xclient.data.l[0] = static_cast<long>(XInternAtom(display, "WM_DELETE_WINDOW", False));
+    XSendEvent(display, window, False, NoEventMask, &event);
+  });
+}
+
+int visible_windows() {
+  int count = 0;
+  for_each_window([&count](Display* display, Window window) {
+    XWindowAttributes attributes = {};
+    XGetWindowAttributes(display, window, &attributes);
+    count += attributes.map_state == IsViewable;
+  });
+  return count;
 }
 
 HostTest::HostTest() {

@@ -49,6 +49,9 @@ bool does_core_run();
 // What a window manager does when somebody presses the close button of the only window.
 void close_window();
 
+// Windows that can be seen on the display.
+int visible_windows();
+
 // A home, and in it a core configuration with the mixed port 7890 and the clash API port 9090.
 class HostTest : public testing::Test {
  protected:
