@@ -2,14 +2,13 @@
 // touches other processes and what waits for them is replaced below: no command is ever run.
 #include "core/process_probe.h"
 #include "core/readiness.h"
-#include "core/workers.h"
 #include "flutter_embedding/codec/standard_codec.h"
 #include "flutter_embedding/engine.h"
 #include "flutter_embedding/ui_channel.h"
 #include "fuzz/fuzzer.h"
 #include "proxy_service/last_error.h"
 #include "proxy_service/method_channel.h"
-#include "proxy_service/task_state.h"
+#include "proxy_service/tasks.h"
 #include "support/shell_command.h"
 
 // Answers every command. The worker and the main thread never draw from it at the same time.

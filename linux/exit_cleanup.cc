@@ -2,50 +2,36 @@
 
 #include <glib-unix.h>
 
-#include <exception>
-#include <functional>
-#include <string>
-
-#include "core/core_name.h"
-#include "core/process_probe.h"
-#include "core/stranded_proxy.h"
-#include "core/termination.h"
-#include "core/workers.h"
+#include "core/core_process.h"
+#include "proxy_service/tasks.h"
 #include "support/console.h"
+#include "support/guarded.h"
 #include "support/leaving.h"
+#include "system_proxy/system_proxy.h"
 
 // Main thread only.
-static bool g_workers_gone = true;
+static bool g_worker_abandoned = false;
 
-bool have_workers_gone() { return g_workers_gone; }
-
-// One step's failure must not keep the next from its work.
-static void attempt(const std::function<void()>& step) {
-  try {
-    step();
-  } catch (const std::exception& error) {
-    print_error_line(std::string("[Corvana] 退出清理未完成: ") + error.what());
-  }
-}
-
-static void clean_up_core() {
-  const bool core_runs = is_process_running(k_core_name);
-  if (!core_runs && !is_proxy_stranded()) return;
-  attempt(take_back_proxy);
-  if (core_runs) attempt(terminate_core);
-}
+bool is_worker_abandoned() { return g_worker_abandoned; }
 
 void announce_leaving(const char* line) {
   begin_leaving();
-  attempt([line] { print_line(line); });
+  run_guarded([line] { print_line(line); });
+}
+
+static void take_back_what_is_left() {
+  const bool core_runs = is_core_running();
+  // The failure of one step must not keep the next from its work.
+  if (core_runs || is_proxy_without_core()) run_guarded(clear_system_proxy);
+  if (core_runs) terminate_core();
 }
 
 void leave_cleanly() {
   begin_leaving();
-  // A worker's last desktop command may land late; only after that is ours sure to be the last. A
-  // worker that was given up on once isn't waited for again.
-  if (g_workers_gone) g_workers_gone = wait_for_workers();
-  attempt(clean_up_core);
+  // A worker's late command could set the proxy again, so the clean-up comes last. An abandoned
+  // worker isn't waited for a second time.
+  if (!g_worker_abandoned) g_worker_abandoned = !wait_for_workers();
+  run_guarded(take_back_what_is_left);
 }
 
 static gboolean on_unix_exit_signal(gpointer user_data) {

@@ -22,6 +22,6 @@ int main(int argc, char** argv) {
   // All is taken back: what is left, such as a plugin whose teardown hangs, may be ended.
   stop_watching_exit_signals();
   g_object_unref(application);
-  if (!have_workers_gone()) _exit(exit_status);
+  if (is_worker_abandoned()) _exit(exit_status);
   return exit_status;
 }

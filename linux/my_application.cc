@@ -2,8 +2,7 @@
 
 #include <flutter_linux/flutter_linux.h>
 
-#include "core/core_name.h"
-#include "core/process_probe.h"
+#include "core/core_process.h"
 #include "desktop_entry.h"
 #include "display_loss.h"
 #include "exit_cleanup.h"
@@ -11,6 +10,7 @@
 #include "log_stream/log_stream.h"
 #include "main_window.h"
 #include "proxy_service/method_channel.h"
+#include "support/guarded.h"
 #include "system_proxy/system_proxy.h"
 
 struct _MyApplication {
@@ -20,9 +20,8 @@ struct _MyApplication {
 
 G_DEFINE_TYPE(MyApplication, my_application, GTK_TYPE_APPLICATION)
 
-static void my_application_activate(GApplication* application) {
-  MyApplication* const self = MY_APPLICATION(application);
-  GtkWindow* const window = GTK_WINDOW(gtk_application_window_new(GTK_APPLICATION(application)));
+static void open_window(MyApplication* self) {
+  GtkWindow* const window = GTK_WINDOW(gtk_application_window_new(GTK_APPLICATION(self)));
   set_window_icon(window);
   if (!is_desktop_entry_created()) install_desktop_entry();
   set_window_title(window);
@@ -46,10 +45,14 @@ static void my_application_activate(GApplication* application) {
 
   // A core that runs may be in use through the proxy; without one, a proxy that an earlier run left
   // behind leads nowhere.
-  if (!is_process_running(k_core_name)) clear_system_proxy();
-  hook_exit_signals(application);
+  if (!is_core_running()) clear_system_proxy();
+  hook_exit_signals(G_APPLICATION(self));
   hook_display_loss();
   gtk_widget_grab_focus(GTK_WIDGET(view));
+}
+
+static void my_application_activate(GApplication* application) {
+  run_guarded([application] { open_window(MY_APPLICATION(application)); });
 }
 
 static gboolean my_application_local_command_line(GApplication* application, char*** arguments,

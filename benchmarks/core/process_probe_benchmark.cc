@@ -16,7 +16,7 @@
 #include <string>
 #include <vector>
 
-#include "core/core_name.h"
+#include "core/core_process.h"
 #include "core/process_probe.h"
 
 static constexpr int k_processes = 1000;

@@ -15,13 +15,11 @@
 #include <thread>
 #include <vector>
 
-#include "core/core_name.h"
-#include "core/process_probe.h"
-#include "core/termination.h"
+#include "core/core_process.h"
 #include "flutter_embedding/engine.h"
 #include "flutter_embedding/ui_channel.h"
 #include "proxy_service/method_channel.h"
-#include "proxy_service/task_state.h"
+#include "proxy_service/tasks.h"
 #include "support/files.h"
 #include "support/shell_command.h"
 
@@ -94,7 +92,7 @@ static bool run_script_with_a_shell_for_each_command() {
 }
 
 static void end_core() {
-  while (is_process_running(k_core_name)) {
+  while (is_core_running()) {
     terminate_core();
     std::this_thread::sleep_for(1ms);
   }

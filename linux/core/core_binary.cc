@@ -2,6 +2,7 @@
 
 #include <unistd.h>
 
+#include "core/core_process.h"
 #include "executable_dir.h"
 #include "support/files.h"
 #include "support/shell_command.h"
@@ -13,11 +14,12 @@ static bool is_usable_core(const std::string& path) {
 }
 
 std::string find_zant_binary() {
+  const std::string name = k_core_name;
   const std::string candidates[] = {
-      first_output_line("command -v zant 2>/dev/null", k_path_buffer_size),
-      get_executable_dir() + "/bin/zant",
-      "/opt/corvana/bin/zant",
-      "/usr/local/bin/zant",
+      first_output_line("command -v " + name + " 2>/dev/null", k_path_buffer_size),
+      get_executable_dir() + "/bin/" + name,
+      "/opt/corvana/bin/" + name,
+      "/usr/local/bin/" + name,
   };
   for (const std::string& candidate : candidates) {
     if (is_usable_core(candidate)) return candidate;

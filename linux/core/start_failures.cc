@@ -1,21 +1,20 @@
 #include "core/start_failures.h"
 
-#include <exception>
-
 #include "proxy_service/last_error.h"
 #include "support/console.h"
 #include "support/files.h"
+#include "support/guarded.h"
 
-static constexpr size_t k_log_tail_lines = 40;
+static constexpr size_t k_max_tail_lines = 40;
 
-static const char k_core_missing_message[] =
+static constexpr char k_core_missing_message[] =
     "未检测到 zant 二进制。\n"
     "请运行 install.sh 重新安装 Corvana，或 apt/dnf install sing-box。\n"
     "支持位置：系统 PATH / ${app}/bin/zant / /opt/corvana/bin/zant / /usr/local/bin/zant";
 
 static void record_with_log_tail(const std::string& code, const std::string& message,
                                  const std::string& console_line, const std::string& log_path) {
-  const std::string log_tail = read_file_tail(log_path, k_log_tail_lines);
+  const std::string log_tail = read_file_tail(log_path, k_max_tail_lines);
   set_last_error(code, message, log_tail);
   print_error_line(console_line + "\n" + log_tail);
 }
@@ -50,12 +49,10 @@ void record_port_not_ready(int clash_port, const std::string& log_path) {
 }
 
 void record_thread_failed() {
-  try {
+  run_guarded([] {
     set_last_error("thread_failed",
                    "无法为此操作创建后台线程，或后台线程意外结束。\n"
                    "系统的内存或进程数可能已用尽，请关闭一些程序后重试。",
                    "");
-  } catch (const std::exception&) {
-    // The task still ends as failed; only the reason is missing.
-  }
+  });
 }

@@ -3,19 +3,19 @@
 
 #include <string>
 
-// Each records why a start failed, for the user interface, and writes the console lines that go
-// with it. Paths are shown as given. Any thread.
+// Each records why a start failed and writes the console lines that belong to it. Paths are shown as
+// given. Any thread.
 
 void record_config_missing(const std::string& config_path);
 void record_core_missing();
 void record_core_not_running(const std::string& log_path);
 void record_port_not_ready(int clash_port, const std::string& log_path);
 
-// The start was refused before any worker ran: says also where to read on.
+// For a start that is refused before a worker runs: the message also names the manual.
 void record_core_missing_before_start();
 
-// No thread could be made for a task, or its worker ended in an exception. Lets none out itself:
-// where memory has run out, the record stays as it is.
+// No thread could be made for a task, or its worker ended in an exception. Doesn't throw: where
+// memory has run out, the record stays as it is.
 void record_thread_failed();
 
 #endif

@@ -1,25 +1,22 @@
 #include "core/start_task.h"
 
 #include <chrono>
-#include <exception>
+#include <cstdint>
 #include <string>
 #include <thread>
 
 #include "core/core_binary.h"
 #include "core/core_config.h"
-#include "core/core_name.h"
-#include "core/process_probe.h"
+#include "core/core_process.h"
 #include "core/readiness.h"
 #include "core/runtime_dir.h"
 #include "core/shell_quoting.h"
 #include "core/start_failures.h"
-#include "core/start_request.h"
-#include "core/stranded_proxy.h"
-#include "core/termination.h"
 #include "proxy_service/last_error.h"
-#include "proxy_service/task_state.h"
+#include "proxy_service/tasks.h"
 #include "support/console.h"
 #include "support/files.h"
+#include "support/guarded.h"
 #include "support/leaving.h"
 #include "support/shell_command.h"
 #include "system_proxy/system_proxy.h"
@@ -30,120 +27,141 @@ static constexpr int32_t k_clear_proxy_mode = 4;
 
 namespace {
 
-struct CorePorts {
-  int clash_api;  // below 1: unknown
-  int mixed;      // below 1: unknown
+struct Start {
+  std::string config_path;  // "" when the user interface named none
+  int32_t proxy_mode = 1;
+  std::string runtime_dir;
+  std::string core_path;   // "" when there is none
+  int clash_api_port = 0;  // below 1: unknown
+  int mixed_port = 0;      // below 1: unknown
 };
 
 }  // namespace
 
-static CorePorts read_core_ports(const std::string& config_path) {
-  // Read once for each port: the user interface may still be at work on the file.
-  const std::string text_for_clash_api = read_whole_file(config_path).value_or("");
-  const std::string text_for_mixed = read_whole_file(config_path).value_or("");
-  return {clash_api_port(text_for_clash_api), mixed_port(text_for_mixed)};
+static FlValue* lookup(FlValue* args, const char* key, FlValueType type) {
+  if (args == nullptr || fl_value_get_type(args) != FL_VALUE_TYPE_MAP) return nullptr;
+  FlValue* const value = fl_value_lookup_string(args, key);
+  if (value == nullptr || fl_value_get_type(value) != type) return nullptr;
+  return value;
+}
+
+static Start prepare_start(FlValue* args) {
+  Start start;
+  FlValue* const path = lookup(args, "configPath", FL_VALUE_TYPE_STRING);
+  const gchar* const text = path == nullptr ? nullptr : fl_value_get_string(path);
+  if (text != nullptr) start.config_path = text;
+  FlValue* const mode = lookup(args, "proxyMode", FL_VALUE_TYPE_INT);
+  if (mode != nullptr) start.proxy_mode = static_cast<int32_t>(fl_value_get_int(mode));
+  start.runtime_dir = get_user_runtime_dir();
+  start.core_path = find_zant_binary();
+  return start;
+}
+
+// Quoting can't carry a line feed: the shell would run what follows it.
+static bool can_be_quoted(const Start& start) {
+  return (start.core_path + start.config_path + start.runtime_dir).find('\n') == std::string::npos;
+}
+
+static bool is_possible(const Start& start) {
+  if (start.config_path.empty() || !path_exists(start.config_path)) {
+    record_config_missing(start.config_path);
+    return false;
+  }
+  if (start.core_path.empty()) {
+    record_core_missing();
+    return false;
+  }
+  if (!can_be_quoted(start)) {
+    record_core_not_running(runtime_log_in(start.runtime_dir));
+    return false;
+  }
+  return true;
 }
 
 static void end_stale_core() {
-  if (!is_process_running(k_core_name)) return;
-  note_stranded_proxy(true);
-  terminate_core();
+  if (!is_core_running()) return;
+  if (terminate_core()) note_proxy_without_core();
   sleep_unless_leaving(1s);
 }
 
-static void launch_core(const std::string& core_path, const std::string& config_path,
-                        const std::string& runtime_dir) {
-  const std::string quoted_dir = escape_path(runtime_dir);
-  const std::string command = "nohup " + escape_path(core_path) + " run -c " +
-                              escape_path(config_path) + " -D " + quoted_dir + " > " +
+static void read_ports(Start& start) {
+  // Read once for each port: where the user interface is still writing, the second read sees more.
+  start.clash_api_port = clash_api_port(read_whole_file(start.config_path).value_or(""));
+  start.mixed_port = mixed_port(read_whole_file(start.config_path).value_or(""));
+  if (start.clash_api_port >= 1) return;
+  print_error_line("[Corvana] 警告：无法从 JSON 解析 clash_api 端口，将仅基于进程存活判断成功");
+}
+
+static void launch_core(const Start& start) {
+  const std::string quoted_dir = escape_path(start.runtime_dir);
+  const std::string command = "nohup " + escape_path(start.core_path) + " run -c " +
+                              escape_path(start.config_path) + " -D " + quoted_dir + " > " +
                               runtime_log_in(quoted_dir) + " 2>&1 &";
   print_line("[Corvana] 执行(zant): " + command);
   run_shell_command(command);
 }
 
-static void set_proxy_for(const StartRequest& request, int mixed_port) {
-  if (request.proxy_mode == k_clear_proxy_mode) return take_back_proxy();
-  if (mixed_port < 1) return;
-  apply_system_proxy(mixed_port, mixed_port);
-  note_stranded_proxy(false);
-}
-
-// False also when the host begins to leave on the way; then no failure is recorded.
-static bool bring_up_core(const StartRequest& request, const std::string& core_path,
-                          const std::string& runtime_dir) {
-  const std::string log_path = runtime_log_in(runtime_dir);
-  end_stale_core();
-  const CorePorts ports = read_core_ports(request.config_path);
-  if (ports.clash_api < 1) {
-    print_error_line("[Corvana] 警告：无法从 JSON 解析 clash_api 端口，将仅基于进程存活判断成功");
-  }
-  if (is_leaving()) return false;
-
-  launch_core(core_path, request.config_path, runtime_dir);
+// False also when leaving begins on the way; then no failure is recorded.
+static bool wait_until_ready(const Start& start) {
+  const std::string log_path = runtime_log_in(start.runtime_dir);
   if (!wait_for_core_process()) {
     if (!is_leaving()) record_core_not_running(log_path);
     return false;
   }
-  if (!wait_for_core_port(ports.clash_api)) {
+  if (!wait_for_core_port(start.clash_api_port)) {
     if (is_leaving()) return false;
-    record_port_not_ready(ports.clash_api, log_path);
+    record_port_not_ready(start.clash_api_port, log_path);
     terminate_core();
     return false;
   }
-  if (is_leaving()) return false;
-  print_line("[Corvana] zant 启动成功，clash_api=" + std::to_string(ports.clash_api) +
-             " mixed=" + std::to_string(ports.mixed));
-  set_proxy_for(request, ports.mixed);
-  return true;
+  return !is_leaving();
 }
 
-// A core that was just launched may still be on its way from the shell into its own program, where
-// the termination command doesn't see it yet: so look again until none is left.
-static void take_back_start() {
-  take_back_proxy();
-  for (int round = 0; round < 20; ++round) {
+static void set_proxy_for(const Start& start) {
+  if (start.proxy_mode == k_clear_proxy_mode) return clear_system_proxy();
+  if (start.mixed_port >= 1) apply_system_proxy(start.mixed_port, start.mixed_port);
+}
+
+// Right after the launch the core may be on its way from the shell into its own program, where the
+// termination command doesn't see it yet: so look again until none is left.
+static void end_launched_core() {
+  const auto began = std::chrono::steady_clock::now();
+  do {
     terminate_core();
-    if (!is_process_running(k_core_name)) return;
-    std::this_thread::sleep_for(50ms);
-  }
+    if (!is_core_running()) return;
+    std::this_thread::sleep_for(k_look_interval);
+  } while (std::chrono::steady_clock::now() - began < k_kill_limit);
 }
 
-static bool run_start(FlValue* args) {
-  if (is_leaving()) return false;
-  const StartRequest request = read_start_request(args);
-  const std::string runtime_dir = get_user_runtime_dir();
-  const std::string core_path = find_zant_binary();
-  if (request.config_path.empty() || !path_exists(request.config_path)) {
-    record_config_missing(request.config_path);
-    return false;
-  }
-  if (core_path.empty()) {
-    record_core_missing();
-    return false;
-  }
+static bool start_core(Start start) {
+  if (is_leaving() || !is_possible(start)) return false;
+  end_stale_core();
+  read_ports(start);
   if (is_leaving()) return false;
 
-  const bool up = bring_up_core(request, core_path, runtime_dir);
+  launch_core(start);
+  const bool ready = wait_until_ready(start);
+  if (ready) {
+    print_line("[Corvana] zant 启动成功，clash_api=" + std::to_string(start.clash_api_port) +
+               " mixed=" + std::to_string(start.mixed_port));
+    set_proxy_for(start);
+  }
   if (is_leaving()) {
-    take_back_start();
+    if (ready || is_proxy_without_core()) clear_system_proxy();
+    end_launched_core();
     return false;
   }
-  if (up) clear_last_error();
-  return up;
-}
-
-static bool run_start_without_exceptions(FlValue* args) {
-  try {
-    return run_start(args);
-  } catch (const std::exception&) {
-    record_thread_failed();
-    return false;
-  }
+  if (ready) clear_last_error();
+  return ready;
 }
 
 void start_vpn_thread(FlValue* args) {
-  const auto lifecycle_lock = lock_lifecycle();
-  const bool started = run_start_without_exceptions(args);
-  fl_value_unref(args);
-  publish_task_result(started);
+  run_task([args] {
+    g_autoptr(FlValue) owned_args = args;
+    bool started = false;
+    if (!run_guarded([&] { started = start_core(prepare_start(owned_args)); })) {
+      record_thread_failed();
+    }
+    return started;
+  });
 }

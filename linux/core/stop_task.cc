@@ -1,31 +1,29 @@
 #include "core/stop_task.h"
 
 #include <chrono>
-#include <exception>
 
-#include "core/core_name.h"
-#include "core/process_probe.h"
-#include "core/stranded_proxy.h"
-#include "core/termination.h"
-#include "proxy_service/task_state.h"
+#include "core/core_process.h"
+#include "proxy_service/tasks.h"
 #include "support/console.h"
 #include "support/leaving.h"
+#include "system_proxy/system_proxy.h"
 
 using namespace std::chrono_literals;
 
-// True when no core is left a second later. Leaving cuts the wait short: the way out looks again.
+// True when no core is left a second later. Leaving cuts the wait short: the clean-up looks again.
 static bool terminate_and_look() {
   terminate_core();
   sleep_unless_leaving(1s);
-  return !is_process_running(k_core_name);
+  return !is_core_running();
 }
 
 static bool stop_core() {
-  if (!is_process_running(k_core_name)) {
+  if (!is_core_running()) {
     print_line("代理服务未运行");
     return true;
   }
-  take_back_proxy();
+  // The proxy goes first: with the core dead and the proxy set, the desktop has no internet.
+  clear_system_proxy();
   if (terminate_and_look()) {
     print_line("已停止代理服务");
     return true;
@@ -40,16 +38,6 @@ static bool stop_core() {
   return false;
 }
 
-static bool stop_core_without_exceptions() {
-  try {
-    return !is_leaving() && stop_core();
-  } catch (const std::exception&) {
-    return false;
-  }
-}
-
 void stop_vpn_thread() {
-  const auto lifecycle_lock = lock_lifecycle();
-  const bool stopped = stop_core_without_exceptions();
-  publish_task_result(stopped);
+  run_task([] { return !is_leaving() && stop_core(); });
 }

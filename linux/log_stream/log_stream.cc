@@ -6,7 +6,6 @@
 
 #include <algorithm>
 #include <cstdint>
-#include <exception>
 #include <string>
 #include <utility>
 
@@ -14,11 +13,12 @@
 #include "log_stream/log_lines.h"
 #include "log_stream/utf8_repair.h"
 #include "support/console.h"
+#include "support/guarded.h"
 #include "support/unique_fd.h"
 
 static constexpr guint k_poll_interval_ms = 250;
-static constexpr int64_t k_most_bytes_per_tick = int64_t{64} * 1024;
-static constexpr int64_t k_largest_log = int64_t{50} * 1024 * 1024;
+static constexpr int64_t k_max_bytes_per_tick = int64_t{64} * 1024;
+static constexpr int64_t k_max_log_size = int64_t{50} * 1024 * 1024;
 static constexpr char k_clear_event[] = "__clear__";
 
 // All of it belongs to the main thread.
@@ -58,7 +58,7 @@ static void stop_timer() {
 static std::string read_next_bytes(const std::string& path, int64_t file_size) {
   const UniqueFd file(open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK));
   if (!file) return "";
-  const int64_t length = std::min(file_size - g_log_file_pos, k_most_bytes_per_tick);
+  const int64_t length = std::min(file_size - g_log_file_pos, k_max_bytes_per_tick);
   std::string bytes(static_cast<size_t>(length), '\0');
   const ssize_t count = pread(file.get(), bytes.data(), bytes.size(), g_log_file_pos);
   bytes.resize(count < 0 ? 0 : static_cast<size_t>(count));
@@ -69,7 +69,7 @@ static void send_new_lines() {
   const std::string path = runtime_log_path();
   struct stat status;
   if (stat(path.c_str(), &status) != 0) return;
-  if (status.st_size > k_largest_log) return;
+  if (status.st_size > k_max_log_size) return;
   if (status.st_size < g_log_file_pos) {
     rewind_log();
     send_event(k_clear_event);
@@ -87,33 +87,29 @@ static gboolean log_stream_poll_cb(gpointer) {
     g_log_timer_id = 0;
     return G_SOURCE_REMOVE;
   }
-  try {
-    send_new_lines();
-  } catch (const std::exception&) {
-    // Out of memory: what this tick read is gone, the next one goes on behind it.
-  }
+  run_guarded(send_new_lines);
   return G_SOURCE_CONTINUE;
 }
 
 FlMethodErrorResponse* log_stream_listen_cb(FlEventChannel*, FlValue*, gpointer) {
-  g_log_listening = true;
-  rewind_log();
-  send_event(k_clear_event);
-  stop_timer();
-  g_log_timer_id = g_timeout_add(k_poll_interval_ms, log_stream_poll_cb, nullptr);
-  try {
+  run_guarded([] {
+    g_log_listening = true;
+    rewind_log();
+    send_event(k_clear_event);
+    stop_timer();
+    g_log_timer_id = g_timeout_add(k_poll_interval_ms, log_stream_poll_cb, nullptr);
     print_line("log_stream listen - started, log: " + runtime_log_path());
-  } catch (const std::exception&) {
-    // Out of memory: the stream runs, only the line is missing.
-  }
+  });
   return nullptr;
 }
 
 FlMethodErrorResponse* log_stream_cancel_cb(FlEventChannel*, FlValue*, gpointer) {
-  g_log_listening = false;
-  stop_timer();
-  rewind_log();
-  print_line("log_stream cancel - stopped");
+  run_guarded([] {
+    g_log_listening = false;
+    stop_timer();
+    rewind_log();
+    print_line("log_stream cancel - stopped");
+  });
   return nullptr;
 }
 

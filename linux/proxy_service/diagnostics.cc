@@ -4,7 +4,7 @@
 #include <string>
 
 #include "core/core_binary.h"
-#include "core/core_name.h"
+#include "core/core_process.h"
 #include "core/runtime_dir.h"
 #include "executable_dir.h"
 #include "proxy_service/text_value.h"
@@ -36,7 +36,7 @@ FlValue* collect_diagnostics() {
   set_bool(report, "hasLibproxy",
            shell_command_succeeds("ldconfig -p 2>/dev/null | grep -q 'libproxy\\.so\\.1'"));
   set_bool(report, "hasTunDevice", path_exists("/dev/net/tun"));
-  set_bool(report, "hasZantSystem", has_command("zant"));
+  set_bool(report, "hasZantSystem", has_command(k_core_name));
   set_bool(report, "helperActive",
            shell_command_succeeds("systemctl is-active --quiet corvana-helper 2>/dev/null"));
   set_bool(report, "hasGsettings", has_command("gsettings"));

@@ -1,32 +1,26 @@
 #include "proxy_service/method_channel.h"
 
 #include <cstring>
-#include <exception>
 #include <functional>
 #include <utility>
 
 #include "core/core_binary.h"
-#include "core/core_name.h"
-#include "core/process_probe.h"
+#include "core/core_process.h"
 #include "core/start_failures.h"
 #include "core/start_task.h"
 #include "core/stop_task.h"
-#include "core/workers.h"
 #include "proxy_service/diagnostics.h"
 #include "proxy_service/last_error.h"
-#include "proxy_service/task_state.h"
+#include "proxy_service/tasks.h"
 #include "proxy_service/text_value.h"
+#include "support/guarded.h"
 
-static FlValue* check_vpn_is_open(FlValue*) {
-  return fl_value_new_bool(is_process_running(k_core_name));
-}
+static FlValue* check_vpn_is_open(FlValue*) { return fl_value_new_bool(is_core_running()); }
 
-static bool hand_over(std::function<void()> task) {
-  begin_task();
-  if (start_worker(std::move(task))) return true;
-  record_thread_failed();
-  publish_task_result(false);
-  return false;
+static bool hand_to_worker(std::function<void()> body) {
+  const bool started = start_worker(std::move(body));
+  if (!started) record_thread_failed();
+  return started;
 }
 
 static FlValue* start_vpn(FlValue* args) {
@@ -37,20 +31,20 @@ static FlValue* start_vpn(FlValue* args) {
   }
   clear_last_error();
   fl_value_ref(args);
-  const bool handed_over = hand_over([args] { start_vpn_thread(args); });
-  if (!handed_over) fl_value_unref(args);
-  return fl_value_new_bool(handed_over);
+  const bool started = hand_to_worker([args] { start_vpn_thread(args); });
+  if (!started) fl_value_unref(args);
+  return fl_value_new_bool(started);
 }
 
 // The reply is false also when the stop will succeed: the user interface looks at the task state.
 static FlValue* stop_vpn(FlValue*) {
-  hand_over(stop_vpn_thread);
+  hand_to_worker(stop_vpn_thread);
   return fl_value_new_bool(false);
 }
 
 static FlValue* task_status(FlValue*) {
   // The probe takes long, so it comes before the lock on the flags.
-  const bool core_runs = is_process_running(k_core_name);
+  const bool core_runs = is_core_running();
   const TaskState state = read_task_state();
   FlValue* const status = fl_value_new_map();
   fl_value_set_string_take(status, "isComplete", fl_value_new_bool(state.complete));
@@ -94,20 +88,16 @@ static constexpr Method k_methods[] = {
     {"setLogEnabled", set_log_enabled},
 };
 
-static FlMethodResponse* success(FlValue* (*answer)(FlValue*), FlValue* args) {
-  g_autoptr(FlValue) result = nullptr;
-  try {
-    result = answer(args);
-  } catch (const std::exception&) {
-    // Out of memory. A null tells the user interface that there is no answer this time.
-    result = fl_value_new_null();
-  }
-  return FL_METHOD_RESPONSE(fl_method_success_response_new(result));
+// After an exception a null tells the user interface that there is no answer this time.
+static FlMethodResponse* answer_with(const Method& method, FlValue* args) {
+  g_autoptr(FlValue) reply = nullptr;
+  if (!run_guarded([&] { reply = method.answer(args); })) reply = fl_value_new_null();
+  return FL_METHOD_RESPONSE(fl_method_success_response_new(reply));
 }
 
 static FlMethodResponse* respond_to(const char* name, FlValue* args) {
   for (const Method& method : k_methods) {
-    if (std::strcmp(name, method.name) == 0) return success(method.answer, args);
+    if (std::strcmp(name, method.name) == 0) return answer_with(method, args);
   }
   return FL_METHOD_RESPONSE(fl_method_not_implemented_response_new());
 }

@@ -1,42 +1,47 @@
 #include "system_proxy/system_proxy.h"
 
+#include <atomic>
 #include <string>
 
 #include "support/console.h"
 #include "support/leaving.h"
+#include "system_proxy/backends.h"
 #include "system_proxy/desktop_environment.h"
-#include "system_proxy/gnome_proxy.h"
-#include "system_proxy/kde_proxy.h"
 #include "system_proxy/proxy_env_files.h"
-#include "system_proxy/xfce_proxy.h"
 
-static bool uses_gnome_settings(const std::string& desktop) {
-  return desktop == "gnome" || desktop == "mate" || desktop == "cinnamon" || desktop == "other";
-}
+// Written by the workers, read by the main thread when the host leaves.
+static std::atomic<bool> g_proxy_without_core{false};
+
+void note_proxy_without_core() { g_proxy_without_core = true; }
+
+bool is_proxy_without_core() { return g_proxy_without_core; }
 
 static bool apply_desktop_backend(const std::string& desktop, int http_port, int socks_port) {
   bool applied = false;
-  if (uses_gnome_settings(desktop)) applied = apply_proxy_gnome(http_port, socks_port, true);
-  if (desktop == "kde") applied = apply_proxy_kde(http_port, socks_port, true);
-  if (desktop == "xfce") applied = apply_proxy_xfce(http_port, socks_port, true);
-  // Many programs of other desktops read GNOME's settings too.
+  for (const Backend& backend : k_backends) {
+    if (desktop == backend.desktop) applied = backend.apply(http_port, socks_port, true);
+  }
   return applied || apply_proxy_gnome(http_port, socks_port, true);
 }
 
+// GNOME's settings are cleared on every desktop, because they are the last resort of each.
 static bool clear_desktop_backends(const std::string& desktop) {
   bool cleared = apply_proxy_gnome(0, 0, false);
-  if (desktop == "kde") cleared |= apply_proxy_kde(0, 0, false);
-  if (desktop == "xfce") cleared |= apply_proxy_xfce(0, 0, false);
+  for (const Backend& backend : k_backends) {
+    if (desktop != backend.desktop || backend.apply == apply_proxy_gnome) continue;
+    cleared |= backend.apply(0, 0, false);
+  }
   return cleared;
 }
 
 void apply_system_proxy(int http_port, int socks_port) {
   const std::string desktop = detect_desktop_environment();
   const bool applied = apply_desktop_backend(desktop, http_port, socks_port);
-  // Leaving may have cut that short, and takes it back; nothing more is set or said to be.
+  // Leaving may have cut that short; the start that is cut short takes it back.
   if (is_leaving()) return;
   write_systemd_environment_dropin(http_port, socks_port, true);
   write_proxy_env_file(http_port, socks_port, true);
+  g_proxy_without_core = false;
   const std::string http = std::to_string(http_port);
   if (applied) {
     print_line("[Corvana] 已设置系统代理 (DE=" + desktop + ", HTTP=" + http +
@@ -55,6 +60,7 @@ void clear_system_proxy() {
   const bool cleared = clear_desktop_backends(desktop);
   write_systemd_environment_dropin(0, 0, false);
   write_proxy_env_file(0, 0, false);
+  g_proxy_without_core = false;
   if (cleared) {
     print_line("[Corvana] 已清除系统代理 (DE=" + desktop + ")");
   } else {

@@ -1,15 +1,20 @@
 #ifndef CORVANA_SYSTEM_PROXY_SYSTEM_PROXY_H_
 #define CORVANA_SYSTEM_PROXY_SYSTEM_PROXY_H_
 
-// Both work through the desktop's own tools and the environment files, end with one line on the
-// console, and report nothing to the caller. Nothing is remembered between calls. Both block for as
-// long as the tools do, and take no lock. Any thread.
+// Both run the desktop's own tools, write the environment files and end with one line on the
+// console; they report nothing to the caller. They block for the tools and take no lock. Any thread.
 
-// Points the desktop at 127.0.0.1 with these ports.
+// Points the desktop at 127.0.0.1 with these ports. Stops halfway when the host begins to leave.
 void apply_system_proxy(int http_port, int socks_port);
 
 // Switches the proxy off everywhere that apply_system_proxy switches it on. Lists of hosts without
 // proxy, and XFCE's property, keep their last values.
 void clear_system_proxy();
+
+// A core that the host ends to start another one leaves the desktop pointing at a port where nobody
+// listens, until one of the two above has run. Leaving must clear the proxy then, although no core
+// runs. Any thread.
+void note_proxy_without_core();
+bool is_proxy_without_core();
 
 #endif

@@ -1,16 +1,16 @@
-#include "system_proxy/xfce_proxy.h"
-
+#include "system_proxy/backends.h"
 #include "system_proxy/desktop_environment.h"
-#include "system_proxy/gnome_proxy.h"
 #include "system_proxy/settings_command.h"
 
 static const SettingsCommands k_commands = {
+    // enable
     {
-        {"xfconf-query -c xfce4-session -p /general/ProxyHTTP -n -t string -s '127.0.0.1'"
-         " -t int -s %d --create >/dev/null 2>&1",
-         PortField::http},
+        "xfconf-query -c xfce4-session -p /general/ProxyHTTP -n -t string -s '127.0.0.1'"
+        " -t int -s {http} --create >/dev/null 2>&1",
     },
-    {}};
+    // disable: the property keeps its last value
+    {},
+};
 
 bool apply_proxy_xfce(int http_port, int socks_port, bool enable) {
   if (!has_command("xfconf-query")) return false;

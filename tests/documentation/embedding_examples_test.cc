@@ -3,10 +3,10 @@
 #include <deque>
 #include <regex>
 
-#include "core/workers.h"
 #include "executable_dir.h"
 #include "flutter_embedding/channels/engine_messenger.h"
 #include "log_stream/log_stream.h"
+#include "proxy_service/tasks.h"
 #include "support/channel_client.h"
 #include "support/temporary_home.h"
 

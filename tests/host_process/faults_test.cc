@@ -11,9 +11,11 @@
 #include <ctime>
 #include <filesystem>
 
-#include "core/workers.h"
+#include "core/start_task.h"
 #include "host_process/host_process.h"
+#include "proxy_service/tasks.h"
 #include "support/channel_client.h"
+#include "support/leaving.h"
 
 #define GOOD_CORE CORVANA_BUNDLE "/bin/zant"
 
@@ -22,7 +24,7 @@ using namespace std::chrono_literals;
 
 // The system's functions, but for what a case has them refuse or pretend.
 static std::atomic<bool> g_no_processes{false}, g_no_threads{false}, g_hidden_processes{false},
-    g_falling_clock{false};
+    g_leaves_at_probe{false}, g_falling_clock{false};
 
 extern "C" {
 int posix_spawn(pid_t* pid, const char* path, const posix_spawn_file_actions_t* actions,
@@ -44,6 +46,7 @@ int pthread_create(pthread_t* thread, const pthread_attr_t* attributes, void* (*
 // Where processes are hidden, a user sees his own and no core that runs under another user.
 DIR* opendir(const char* path) {
   static const auto real = reinterpret_cast<decltype(&opendir)>(dlsym(RTLD_NEXT, "opendir"));
+  if (g_leaves_at_probe) begin_leaving();
   return real(g_hidden_processes && std::string(path) == "/proc" ? "/proc/self/task" : path);
 }
 
@@ -189,6 +192,14 @@ TEST_F(Host, AStopWithoutCommandsOrThreadsFailsAndTheNextTakesTheProxyBack) {
   EXPECT_EQ(finish("stopVPN"), "done");
   EXPECT_EQ(client_.call("checkVpnIsOpen"), "false");
   EXPECT_EQ(home_.recorded_commands().back(), "gsettings set org.gnome.system.proxy.socks port 0");
+}
+
+TEST_F(Host, AStartThatIsCutOffBeforeItHasDoneAnythingTakesNothingBack) {
+  g_autoptr(FlValue) args = fl_value_new_map();
+  fl_value_set_string_take(args, "configPath", fl_value_new_string("config.json"));
+  g_leaves_at_probe = true;
+  start_vpn_thread(fl_value_ref(args));
+  EXPECT_EQ(home_.recorded_commands(), std::vector<std::string>());
 }
 
 static long entries_of(const char* directory) {

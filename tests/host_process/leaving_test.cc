@@ -49,7 +49,7 @@ echo "$4" >"settings/${2#org.gnome.system.}.$3"
   }
 
   // A core at work with the proxy set, as an earlier host that was killed leaves it.
-  std::vector<std::string> start_earlier_core() const {
+  std::vector<std::string> command_of_earlier_core() const {
     write_file("settings/proxy.mode", "manual\n");
     return {CORVANA_BUNDLE "/bin/zant", "run", "-c", config_};
   }
@@ -107,7 +107,7 @@ class Leaving : public LeavingTest, public testing::WithParamInterface<int> {
   std::string leave(const Phase& during, bool slow, milliseconds moment) {
     set_pace("0");
     std::optional<ChildProcess> earlier_core;
-    if (during.restarts) earlier_core.emplace(start_earlier_core());
+    if (during.restarts) earlier_core.emplace(command_of_earlier_core());
     ChildProcess host(during.stops ? connecting({"--quit"}) : connecting());
     if (!wait_until_signals_are_hooked(host)) return "never ready\n" + host.console();
     if (during.stops && !host.wait_for("已设置系统代理")) return "not connected\n" + host.console();
@@ -229,18 +229,26 @@ TEST_F(LeavingTest, AConsoleThatHasGoneIsNoHindrance) {
   EXPECT_EQ("", faults_at_the_end(host));
 }
 
-// The desktop goes on pointing at the core that was ended for the new one.
-TEST_F(LeavingTest, AfterAFailedRestartTheProxyIsTakenBack) {
-  ChildProcess earlier_core(start_earlier_core());
-  ASSERT_TRUE(eventually(does_core_run));
-  write_file("answered", "");
+// After a core that was ended for a new one, the desktop goes on pointing at its port. A program that
+// only has the core's name in its command line is neither ended nor did it set the proxy.
+TEST_F(LeavingTest, AfterAFailedRestartTheProxyOfAnEndedCoreIsTakenBack) {
   write_file("broken.json", "no core accepts \"external_controller\": \"127.0.0.1:9090\"");
-  ChildProcess host(connecting({"--config", "broken.json"}));
-  ASSERT_TRUE(host.wait_for("未")) << host.console();
-  std::this_thread::sleep_for(300ms);  // until the start is over
-  EXPECT_EQ("manual\n", read_file("settings/proxy.mode"));
-  kill(host.pid(), SIGTERM);
-  EXPECT_EQ("", faults_at_the_end(host));
+  for (const bool is_core : {false, true}) {
+    write_file("settings/proxy.mode", "manual\n");
+    write_file("answered", "");
+    std::optional<ChildProcess> earlier(
+        is_core ? command_of_earlier_core()
+                : std::vector<std::string>{"tail", "-f", config_, "zant.log"});
+    ASSERT_TRUE(eventually(does_core_run));
+    ChildProcess host(connecting({"--config", "broken.json"}));
+    ASSERT_TRUE(host.wait_for("未")) << host.console();
+    earlier.reset();
+    EXPECT_EQ("manual\n", read_file("settings/proxy.mode"));
+    kill(host.pid(), SIGTERM);
+    ASSERT_EQ(0, host.wait_for_exit().value_or(-1)) << host.console();
+    EXPECT_EQ(is_core ? "none\n" : "manual\n", read_file("settings/proxy.mode"));
+    EXPECT_EQ("", host.still_running());
+  }
 }
 
 // The host is killed while connected; what the next launch does depends on the core.

@@ -12,7 +12,7 @@
 #include <cstdarg>
 #include <thread>
 
-#include "core/workers.h"
+#include "proxy_service/tasks.h"
 #include "support/console.h"
 #include "support/leaving.h"
 #include "support/temporary_home.h"

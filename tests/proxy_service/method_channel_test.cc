@@ -7,7 +7,7 @@
 #include <filesystem>
 #include <fstream>
 
-#include "core/workers.h"
+#include "proxy_service/tasks.h"
 #include "support/channel_client.h"
 #include "support/leaving.h"
 #include "support/temporary_home.h"
@@ -30,6 +30,14 @@ static const char k_no_error[] = "{code: , message: , logTail: }";
 static std::string error_reply(const std::string& code, const std::string& message,
                                const std::string& log_tail) {
   return "{code: " + code + ", message: " + message + ", logTail: " + log_tail + "}";
+}
+
+static std::string not_running(const std::string& log_tail) {
+  return error_reply("core_exec_failed",
+                     "zant 进程未能启动。\n"
+                     "常见原因：glibc 版本不兼容 / 配置非法 / TUN 模式但无 CAP_NET_ADMIN。\n"
+                     "建议：用 corvana-helper.service 跑（已自动持有 CAP_NET_ADMIN）。",
+                     log_tail);
 }
 
 static std::string port_not_ready(const std::string& port, const std::string& log_tail) {
@@ -129,34 +137,34 @@ TEST_F(MethodChannel, FailuresOfACoreThatDoesNotComeUp) {
     const char* config;
     std::string failure;
     const char* console;
+    const char* path = "config.json";
   } rows[] = {
-      {"", k_config,
-       error_reply("core_exec_failed",
-                   "zant 进程未能启动。\n"
-                   "常见原因：glibc 版本不兼容 / 配置非法 / TUN 模式但无 CAP_NET_ADMIN。\n"
-                   "建议：用 corvana-helper.service 跑（已自动持有 CAP_NET_ADMIN）。",
-                   "sh: 1: nohup: not found\n"),
+      {"", k_config, not_running("sh: 1: nohup: not found\n"),
        "[Corvana] zant 进程未启动\nsh: 1: nohup: not found\n\n"},
       {"#!/bin/bash\necho $'de\\377'; exec -a \"zant run -c\" sleep 99\n", k_config,
        port_not_ready("9090", "de\uFFFD\n"), "[Corvana] zant 端口未就绪\nde\xFF\n\n"},
       {"#!/bin/bash\nexec -a \"zant run -c\" sleep 0.3\n", "{}", port_not_ready("0", ""),
        "[Corvana] 警告：无法从 JSON 解析 clash_api 端口，将仅基于进程存活判断成功\n"
        "[Corvana] zant 端口未就绪\n\n"},
+      // The shell would run what follows the line feed.
+      {"#!/bin/sh\n", k_config, not_running(""), "[Corvana] zant 进程未启动\n\n", "a\n>executed"},
   };
   for (const auto& row : rows) {
     home_.add_stand_in("zant", row.core);
-    write_file("config.json", row.config);
+    write_file(row.path, row.config);
+    write_file(".local/share/Corvana/run/runtime.log", "");
     const std::string path = getenv("PATH");
     g_hidden_processes = *row.core == '\0';
     if (g_hidden_processes) setenv("PATH", home_.bin().c_str(), 1);  // without nohup
     testing::internal::CaptureStderr();
-    EXPECT_EQ(start("config.json"), "true");
+    EXPECT_EQ(start(row.path), "true");
     EXPECT_EQ(client_.call("getLastError"), k_no_error) << "emptied at once";
     expect_end(status_reply(true, false, false));
     setenv("PATH", path.c_str(), 1);
     EXPECT_EQ(testing::internal::GetCapturedStderr(), row.console);
     EXPECT_EQ(client_.call("getLastError"), row.failure) << "reading changes nothing";
     EXPECT_EQ(gnome_modes(), "") << "a failed start leaves the proxy alone";
+    EXPECT_FALSE(std::filesystem::exists("executed"));
   }
 }
 

@@ -1,0 +1,34 @@
+#ifndef CORVANA_PROXY_SERVICE_TASKS_H_
+#define CORVANA_PROXY_SERVICE_TASKS_H_
+
+#include <functional>
+
+// A start or a stop is a task with a worker thread of its own. Tasks run one at a time, in the order
+// in which their workers were started.
+
+// How the newest task stands. The user interface polls it.
+struct TaskState {
+  bool complete;  // the task that was announced last has finished or was refused
+  bool result;    // the outcome of the task that finished last; kept while another one runs
+};
+
+// Both flags of one moment. Any thread.
+TaskState read_task_state();
+
+// Announces a task and runs `body` on a detached thread, once every worker started before has ended.
+// False when no thread can be made: then the task is published as failed. Main thread.
+bool start_worker(std::function<void()> body);
+
+// Runs `task` under the lifecycle lock and publishes what it returns, or false when it throws. The
+// whole run of a worker; blocks for as long as the task does.
+void run_task(const std::function<bool()>& task);
+
+// Completes the task state: the result first, so that whoever sees the completion sees its result.
+// Any thread.
+void publish_task_result(bool result);
+
+// Waits until no worker runs. False when neither a worker nor a command of one has ended for
+// k_worker_silence_limit. Main thread, while the host is leaving.
+bool wait_for_workers();
+
+#endif
