@@ -1,19 +1,19 @@
 #include "support/files.h"
 
 #include <fcntl.h>
+#include <sys/stat.h>
 
+#include <algorithm>
 #include <cerrno>
-#include <cstring>
-#include <deque>
 #include <filesystem>
+#include <functional>
 #include <string_view>
-#include <utility>
 #include <vector>
 
 #include "support/unique_fd.h"
 
 static constexpr size_t k_chunk_size = size_t{64} * 1024;
-static constexpr size_t k_longest_text = size_t{64} * 1024 * 1024;
+static constexpr size_t k_max_text_size = size_t{64} * 1024 * 1024;
 
 bool path_exists(const std::string& path) {
   std::error_code error;
@@ -25,25 +25,23 @@ static int open_for_reading(const std::string& path) {
   return open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK);
 }
 
-// As read(2), but a signal doesn't interrupt it. 0 at the end and on an error.
-static size_t read_chunk(int fd, char* buffer, size_t size) {
-  ssize_t count;
-  do {
-    count = read(fd, buffer, size);
-  } while (count < 0 && errno == EINTR);
-  return count < 0 ? 0 : static_cast<size_t>(count);
+// Hands on up to `limit` bytes. A read error is like the end of the file.
+static void read_chunks(int file, size_t limit, const std::function<void(std::string_view)>& take) {
+  std::vector<char> chunk(k_chunk_size);
+  while (limit > 0) {
+    const ssize_t count = read(file, chunk.data(), std::min(limit, chunk.size()));
+    if (count < 0 && errno == EINTR) continue;
+    if (count <= 0) return;
+    take(std::string_view(chunk.data(), static_cast<size_t>(count)));
+    limit -= static_cast<size_t>(count);
+  }
 }
 
 std::optional<std::string> read_whole_file(const std::string& path) {
   const UniqueFd file(open_for_reading(path));
   if (!file) return std::nullopt;
   std::string text;
-  std::vector<char> chunk(k_chunk_size);
-  while (text.size() < k_longest_text) {
-    const size_t count = read_chunk(file.get(), chunk.data(), chunk.size());
-    if (count == 0) break;
-    text.append(chunk.data(), count);
-  }
+  read_chunks(file.get(), k_max_text_size, [&text](std::string_view chunk) { text.append(chunk); });
   return text;
 }
 
@@ -61,65 +59,37 @@ bool write_whole_file(const std::string& path, const std::string& text) {
   return true;
 }
 
-namespace {
+// A log that is still written to is read as long as it was at first; a device has no end.
+static size_t size_to_read(int file) {
+  struct stat status = {};
+  const bool is_file = fstat(file, &status) == 0 && S_ISREG(status.st_mode);
+  return is_file ? static_cast<size_t>(status.st_size) : k_max_text_size;
+}
 
-// The newest lines of a stream of chunks, and the start of a line that has no end yet.
-class LineTail {
- public:
-  explicit LineTail(size_t max_lines) : max_lines_(max_lines) {}
-
-  void add_chunk(std::string_view chunk) {
-    skip_lines_that_fall_out(chunk);
-    for (size_t end = chunk.find('\n'); end != chunk.npos; end = chunk.find('\n')) {
-      unfinished_.append(chunk.substr(0, end));
-      finish_line();
-      chunk.remove_prefix(end + 1);
-    }
-    unfinished_.append(chunk);
+static void keep_last_lines(std::string& text, size_t max_lines) {
+  size_t start = text.size();
+  if (start > 0 && text.back() == '\n') --start;
+  for (size_t lines = 0; lines < max_lines; ++lines) {
+    const size_t line_feed = start == 0 ? text.npos : text.rfind('\n', start - 1);
+    if (line_feed == text.npos) return;
+    start = line_feed;
   }
-
-  std::string joined() {
-    if (!unfinished_.empty()) finish_line();
-    std::string text;
-    for (const std::string& line : lines_) text.append(line).push_back('\n');
-    return text;
-  }
-
- private:
-  // Lines with max_lines_ others behind them in the same chunk can't be in the tail, nor can
-  // anything read before: finding that out from the back leaves most of a long log unsplit.
-  void skip_lines_that_fall_out(std::string_view& chunk) {
-    size_t end = chunk.size();
-    for (size_t newer_lines = 0; newer_lines <= max_lines_; ++newer_lines) {
-      const void* found = memrchr(chunk.data(), '\n', end);
-      if (found == nullptr) return;
-      end = static_cast<size_t>(static_cast<const char*>(found) - chunk.data());
-    }
-    chunk.remove_prefix(end + 1);
-    lines_.clear();
-    unfinished_.clear();
-  }
-
-  void finish_line() {
-    if (lines_.size() == max_lines_) lines_.pop_front();
-    lines_.push_back(std::move(unfinished_));
-    unfinished_.clear();
-  }
-
-  const size_t max_lines_;
-  std::deque<std::string> lines_;
-  std::string unfinished_;
-};
-
-}  // namespace
+  text.erase(0, start + 1);
+}
 
 std::string read_file_tail(const std::string& path, size_t max_lines) {
   const UniqueFd file(open_for_reading(path));
   if (!file || max_lines == 0) return "";
-  LineTail tail(max_lines);
-  std::vector<char> chunk(k_chunk_size);
-  while (const size_t count = read_chunk(file.get(), chunk.data(), chunk.size())) {
-    tail.add_chunk(std::string_view(chunk.data(), count));
-  }
-  return tail.joined();
+  std::string tail;
+  size_t trim_size = k_chunk_size;
+  read_chunks(file.get(), size_to_read(file.get()), [&](std::string_view chunk) {
+    tail.append(chunk);
+    if (tail.size() < trim_size) return;
+    keep_last_lines(tail, max_lines);
+    // Lines without an end aren't searched again before there is twice as much of them.
+    trim_size = std::max(k_chunk_size, 2 * tail.size());
+  });
+  keep_last_lines(tail, max_lines);
+  if (!tail.empty() && tail.back() != '\n') tail.push_back('\n');
+  return tail;
 }

@@ -4,15 +4,14 @@
 #include <optional>
 #include <string>
 
-// All of these keep no state and may be called on any thread. Paths are byte strings as the system
-// calls take them; contents are bytes.
+// Paths are byte strings as the system calls take them, contents are bytes. Any thread.
 
 // True when `path` names something, links followed. A status that can't be determined (no access to
 // a parent, a loop of links, a name too long) counts as nothing there.
 bool path_exists(const std::string& path);
 
-// The file's text, or nothing when it can't be opened. A read error ends the text early, and so
-// does the limit of 64 MiB: a device in the file's place may have no end.
+// The file's text, cut after 64 MiB; nothing when it can't be opened. A read error ends the text
+// early.
 std::optional<std::string> read_whole_file(const std::string& path);
 
 // Replaces the file's content, creating it when needed. False when it can't be opened; a write that
@@ -20,7 +19,8 @@ std::optional<std::string> read_whole_file(const std::string& path);
 bool write_whole_file(const std::string& path, const std::string& text);
 
 // The last `max_lines` lines of the file, each followed by one line feed, also where the file's
-// last line has none. "" when the file can't be opened. Memory is bounded by those lines.
+// last line has none. "" when the file can't be opened. Reads as much as the file has when it is
+// opened, and at most 64 MiB of what isn't a regular file. Memory is bounded by those lines.
 std::string read_file_tail(const std::string& path, size_t max_lines);
 
 #endif

@@ -1,9 +1,22 @@
 #include "support/files.h"
 
+#include <dlfcn.h>
 #include <gtest/gtest.h>
 #include <sys/stat.h>
+#include <unistd.h>
+
+#include <fstream>
 
 #include "support/temporary_home.h"
+
+// A core that writes a line for each that is read.
+static int g_lines_to_write = 0;
+
+extern "C" ssize_t read(int file, void* buffer, size_t size) {
+  static const auto real = reinterpret_cast<decltype(&read)>(dlsym(RTLD_NEXT, "read"));
+  if (g_lines_to_write-- > 0) std::ofstream("log", std::ios::app) << "newer\n";
+  return real(file, buffer, size);
+}
 
 TEST(Files, TailGivesTheLastLines) {
   const TemporaryHome home;
@@ -21,6 +34,10 @@ TEST(Files, TailGivesTheLastLines) {
     write_file("log", text);
     EXPECT_EQ(read_file_tail("log", 3), tail);
   }
+  write_file("log", "1\n2\n");
+  g_lines_to_write = 1000;
+  EXPECT_EQ(read_file_tail("log", 3), "1\n2\n");
+  EXPECT_EQ(read_file_tail("/dev/zero", 3), std::string(64 << 20, '\0') + "\n");
   EXPECT_EQ(read_file_tail("log", 0), "");
   EXPECT_EQ(read_file_tail("missing", 3), "");
   EXPECT_EQ(read_file_tail(home.path(), 3), "") << "a directory";
