@@ -1,7 +1,9 @@
 #include "desktop_entry.h"
 
+#include <glib.h>
 #include <sys/stat.h>
 
+#include <cerrno>
 #include <chrono>
 #include <climits>
 #include <cstdlib>
@@ -9,15 +11,82 @@
 #include <exception>
 #include <filesystem>
 #include <string>
+#include <string_view>
 #include <thread>
 
-#include "desktop_entry_text.h"
-#include "executable_dir.h"
 #include "support/console.h"
 #include "support/files.h"
 #include "support/shell_command.h"
+#include "support/unique_fd.h"
 
 namespace fs = std::filesystem;
+
+static constexpr std::string_view k_reserved = " \t\r\"'\\><~|&;$*?#()`";
+static constexpr std::string_view k_escaped_in_quotes = "\"`$\\";
+static constexpr std::string_view k_special_in_shell = " \t\r\n\"'\\><~|&;$*?#()`[]{}";
+static constexpr size_t k_touch_buffer_size = 512;
+
+// What a key file itself escapes in any string value, on top of the quoting of an Exec line.
+static std::string key_file_escaped(const std::string& text) {
+  std::string escaped;
+  for (const char byte : text) {
+    if (byte == '\\') {
+      escaped += "\\\\";
+    } else if (byte == '\t') {
+      escaped += "\\t";
+    } else if (byte == '\r') {
+      escaped += "\\r";
+    } else {
+      escaped += byte;
+    }
+  }
+  return escaped;
+}
+
+// A percent sign starts a field code, so a plain one is written twice.
+static std::string percent_doubled(const std::string& path) {
+  std::string doubled;
+  for (const char byte : path) doubled.append(byte == '%' ? 2 : 1, byte);
+  return doubled;
+}
+
+static std::string exec_value(const std::string& path) {
+  std::string argument = percent_doubled(path);
+  if (argument.find_first_of(k_reserved) == argument.npos) return argument;
+  std::string quoted = "\"";
+  for (const char byte : argument) {
+    if (k_escaped_in_quotes.find(byte) != k_escaped_in_quotes.npos) quoted += '\\';
+    quoted += byte;
+  }
+  return key_file_escaped(quoted + "\"");
+}
+
+std::optional<std::string> desktop_entry_text(const std::string& exec_path) {
+  if (exec_path.find('\n') != exec_path.npos) return std::nullopt;
+  return "[Desktop Entry]\n"
+         "Version=1.0\n"
+         "Type=Application\n"
+         "Name=Corvana\n"
+         "Comment=Corvana VPN Client\n"
+         "Exec=" +
+         exec_value(exec_path) +
+         "\n"
+         "Icon=corvana\n"
+         "Terminal=false\n"
+         "Categories=Network;Utility;\n"
+         "StartupWMClass=Corvana\n"
+         "StartupNotify=true\n"
+         "X-GNOME-UsesNotifications=true\n";
+}
+
+std::string touch_command(const std::string& entry_path) {
+  if (entry_path.find_first_of(k_special_in_shell) == entry_path.npos) {
+    return ("touch " + entry_path).substr(0, k_touch_buffer_size - 1);
+  }
+  // Never cut: the shell would complain about the missing end of the quotes.
+  g_autofree gchar* quoted = g_shell_quote(entry_path.c_str());
+  return std::string("touch ") + quoted;
+}
 
 // Main thread only.
 static bool desktop_entry_created = false;
@@ -28,15 +97,26 @@ static bool contains_ignoring_case(const char* text, const char* word) {
   return text != nullptr && strcasestr(text, word) != nullptr;
 }
 
+// The old file stays until the copy is whole. Other launches may do the same at this moment.
+static void replace_with_copy(const std::string& source, const std::string& target) {
+  std::string copy = target + ".XXXXXX";
+  const UniqueFd reserved(mkstemp(copy.data()));
+  std::error_code error(reserved ? 0 : errno, std::generic_category());
+  if (!error) fs::copy_file(source, copy, fs::copy_options::overwrite_existing, error);
+  if (!error) fs::rename(copy, target, error);
+  if (!error) return;
+  std::error_code ignored;
+  fs::remove(copy, ignored);
+  throw fs::filesystem_error("cannot copy file", source, target, error);
+}
+
 static void install_icon(const std::string& source, const std::string& target) {
   try {
     if (!fs::exists(source)) {
       print_error_line("警告: 图标文件未找到，桌面图标可能无法正常显示");
       return;
     }
-    // A copy of a read-only file can't be overwritten.
-    fs::remove(target);
-    fs::copy_file(source, target);
+    replace_with_copy(source, target);
     print_line("已复制图标到标准位置: " + target);
   } catch (const std::exception& error) {
     print_error_line(std::string("复制图标到标准位置失败: ") + error.what());

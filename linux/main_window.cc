@@ -6,7 +6,6 @@
 
 #include <string>
 
-#include "executable_dir.h"
 #include "support/console.h"
 #include "support/files.h"
 

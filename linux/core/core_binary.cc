@@ -3,7 +3,6 @@
 #include <unistd.h>
 
 #include "core/core_process.h"
-#include "executable_dir.h"
 #include "support/files.h"
 #include "support/shell_command.h"
 

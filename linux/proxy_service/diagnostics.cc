@@ -6,17 +6,12 @@
 #include "core/core_binary.h"
 #include "core/core_process.h"
 #include "core/runtime_dir.h"
-#include "executable_dir.h"
-#include "proxy_service/text_value.h"
+#include "proxy_service/reply_map.h"
 #include "support/files.h"
 #include "support/shell_command.h"
 #include "system_proxy/desktop_environment.h"
 
 static constexpr size_t k_version_buffer_size = 256;
-
-static void set_bool(FlValue* map, const char* key, bool value) {
-  fl_value_set_string_take(map, key, fl_value_new_bool(value));
-}
 
 static std::string session_type() {
   const char* const type = std::getenv("XDG_SESSION_TYPE");

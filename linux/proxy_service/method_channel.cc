@@ -11,8 +11,8 @@
 #include "core/stop_task.h"
 #include "proxy_service/diagnostics.h"
 #include "proxy_service/last_error.h"
+#include "proxy_service/reply_map.h"
 #include "proxy_service/tasks.h"
-#include "proxy_service/text_value.h"
 #include "support/guarded.h"
 
 static FlValue* check_vpn_is_open(FlValue*) { return fl_value_new_bool(is_core_running()); }
@@ -47,9 +47,9 @@ static FlValue* task_status(FlValue*) {
   const bool core_runs = is_core_running();
   const TaskState state = read_task_state();
   FlValue* const status = fl_value_new_map();
-  fl_value_set_string_take(status, "isComplete", fl_value_new_bool(state.complete));
-  fl_value_set_string_take(status, "taskResult", fl_value_new_bool(state.result));
-  fl_value_set_string_take(status, "vpnStatus", fl_value_new_bool(core_runs));
+  set_bool(status, "isComplete", state.complete);
+  set_bool(status, "taskResult", state.result);
+  set_bool(status, "vpnStatus", core_runs);
   return status;
 }
 

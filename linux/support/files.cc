@@ -2,6 +2,7 @@
 
 #include <fcntl.h>
 #include <sys/stat.h>
+#include <unistd.h>
 
 #include <algorithm>
 #include <cerrno>
@@ -14,6 +15,14 @@
 
 static constexpr size_t k_chunk_size = size_t{64} * 1024;
 static constexpr size_t k_max_text_size = size_t{64} * 1024 * 1024;
+
+std::string get_executable_dir() {
+  char target[4096];
+  const ssize_t length = readlink("/proc/self/exe", target, sizeof target);
+  if (length < 0) return ".";
+  const std::string path(target, static_cast<size_t>(length));
+  return path.substr(0, path.rfind('/'));
+}
 
 bool path_exists(const std::string& path) {
   std::error_code error;

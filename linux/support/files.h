@@ -6,6 +6,10 @@
 
 // Paths are byte strings as the system calls take them, contents are bytes. Any thread.
 
+// The directory of the running executable, without a trailing slash, as the kernel names it: "" for
+// the root directory, "." when the kernel's answer can't be read.
+std::string get_executable_dir();
+
 // True when `path` names something, links followed. A status that can't be determined (no access to
 // a parent, a loop of links, a name too long) counts as nothing there.
 bool path_exists(const std::string& path);

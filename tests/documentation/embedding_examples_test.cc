@@ -3,11 +3,11 @@
 #include <deque>
 #include <regex>
 
-#include "executable_dir.h"
 #include "flutter_embedding/channels/engine_messenger.h"
 #include "log_stream/log_stream.h"
 #include "proxy_service/tasks.h"
 #include "support/channel_client.h"
+#include "support/files.h"
 #include "support/temporary_home.h"
 
 using Matches = std::sregex_iterator;

@@ -8,8 +8,7 @@
 #include <algorithm>
 #include <filesystem>
 
-#include "desktop_entry_text.h"
-#include "executable_dir.h"
+#include "support/files.h"
 #include "support/temporary_home.h"
 
 namespace fs = std::filesystem;

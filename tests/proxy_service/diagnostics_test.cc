@@ -4,8 +4,8 @@
 #include <csignal>
 #include <filesystem>
 
-#include "executable_dir.h"
 #include "support/channel_client.h"
+#include "support/files.h"
 #include "support/temporary_home.h"
 
 TEST(Diagnostics, EveryProbeTrueAndTheShapesOfTheVersion) {
