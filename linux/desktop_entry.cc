@@ -3,6 +3,7 @@
 #include <glib.h>
 #include <sys/stat.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <chrono>
 #include <climits>
@@ -26,57 +27,37 @@ static constexpr std::string_view k_escaped_in_quotes = "\"`$\\";
 static constexpr std::string_view k_special_in_shell = " \t\r\n\"'\\><~|&;$*?#()`[]{}";
 static constexpr size_t k_touch_buffer_size = 512;
 
-// What a key file itself escapes in any string value, on top of the quoting of an Exec line.
-static std::string key_file_escaped(const std::string& text) {
-  std::string escaped;
+static std::string with_escapes(const std::string& text, std::string_view escaped, char escape) {
+  std::string result;
   for (const char byte : text) {
-    if (byte == '\\') {
-      escaped += "\\\\";
-    } else if (byte == '\t') {
-      escaped += "\\t";
-    } else if (byte == '\r') {
-      escaped += "\\r";
-    } else {
-      escaped += byte;
-    }
+    if (escaped.find(byte) != escaped.npos) result += escape;
+    result += byte;
   }
+  return result;
+}
+
+// What a key file escapes in any string value, on top of the quoting of an Exec line.
+static std::string key_file_escaped(const std::string& text) {
+  std::string escaped = with_escapes(text, "\\\t\r", '\\');
+  std::replace(escaped.begin(), escaped.end(), '\t', 't');
+  std::replace(escaped.begin(), escaped.end(), '\r', 'r');
   return escaped;
 }
 
-// A percent sign starts a field code, so a plain one is written twice.
-static std::string percent_doubled(const std::string& path) {
-  std::string doubled;
-  for (const char byte : path) doubled.append(byte == '%' ? 2 : 1, byte);
-  return doubled;
-}
-
 static std::string exec_value(const std::string& path) {
-  std::string argument = percent_doubled(path);
+  // A percent sign starts a field code, so a plain one is written twice.
+  const std::string argument = with_escapes(path, "%", '%');
   if (argument.find_first_of(k_reserved) == argument.npos) return argument;
-  std::string quoted = "\"";
-  for (const char byte : argument) {
-    if (k_escaped_in_quotes.find(byte) != k_escaped_in_quotes.npos) quoted += '\\';
-    quoted += byte;
-  }
-  return key_file_escaped(quoted + "\"");
+  return key_file_escaped("\"" + with_escapes(argument, k_escaped_in_quotes, '\\') + "\"");
 }
 
 std::optional<std::string> desktop_entry_text(const std::string& exec_path) {
   if (exec_path.find('\n') != exec_path.npos) return std::nullopt;
-  return "[Desktop Entry]\n"
-         "Version=1.0\n"
-         "Type=Application\n"
-         "Name=Corvana\n"
-         "Comment=Corvana VPN Client\n"
-         "Exec=" +
+  return "[Desktop Entry]\nVersion=1.0\nType=Application\nName=Corvana\n"
+         "Comment=Corvana VPN Client\nExec=" +
          exec_value(exec_path) +
-         "\n"
-         "Icon=corvana\n"
-         "Terminal=false\n"
-         "Categories=Network;Utility;\n"
-         "StartupWMClass=Corvana\n"
-         "StartupNotify=true\n"
-         "X-GNOME-UsesNotifications=true\n";
+         "\nIcon=corvana\nTerminal=false\nCategories=Network;Utility;\n"
+         "StartupWMClass=Corvana\nStartupNotify=true\nX-GNOME-UsesNotifications=true\n";
 }
 
 std::string touch_command(const std::string& entry_path) {

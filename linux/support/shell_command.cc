@@ -10,6 +10,7 @@
 #include <algorithm>
 #include <atomic>
 #include <csignal>
+#include <cstdint>
 #include <functional>
 #include <optional>
 
@@ -145,9 +146,8 @@ static bool wait_until_readable(int descriptor, steady_clock::time_point began) 
   return true;
 }
 
-using IsEnough = std::function<bool(const std::string& text)>;
-
-static int run_and_read(const std::string& command, const IsEnough& is_enough, std::string& text) {
+// Replaces `text` by what `command` prints, up to `max_size` bytes.
+static int read_output(const std::string& command, size_t max_size, std::string& text) {
   int ends[2];
   // Close-on-exec: a core that another thread launches meanwhile must not inherit the pipe.
   if (pipe2(ends, O_CLOEXEC) != 0) return -1;
@@ -158,8 +158,9 @@ static int run_and_read(const std::string& command, const IsEnough& is_enough, s
   if (shell < 0) return -1;
   const auto began = steady_clock::now();
   char chunk[4096];
-  while (!is_enough(text) && wait_until_readable(output.get(), began)) {
-    const ssize_t count = read(output.get(), chunk, sizeof chunk);
+  text.clear();
+  while (text.size() < max_size && wait_until_readable(output.get(), began)) {
+    const ssize_t count = read(output.get(), chunk, std::min(sizeof chunk, max_size - text.size()));
     if (count <= 0) break;
     text.append(chunk, static_cast<size_t>(count));
   }
@@ -167,26 +168,17 @@ static int run_and_read(const std::string& command, const IsEnough& is_enough, s
   return finish_shell(shell, began);
 }
 
-// What `command` prints, until `is_enough` says so of the text so far.
-static std::string read_output(const std::string& command, const IsEnough& is_enough) {
+static std::string output_of(const std::string& command, size_t max_size) {
   std::string text;
-  run_until_not_interrupted([&] {
-    text.clear();
-    return run_and_read(command, is_enough, text);
-  });
+  run_until_not_interrupted([&] { return read_output(command, max_size, text); });
   return text;
 }
 
 std::string first_output_line(const std::string& command, size_t buffer_size) {
-  const size_t max_size = buffer_size - 1;
-  std::string line = read_output(command, [max_size](const std::string& text) {
-    return text.size() >= max_size || text.find('\n') != text.npos;
-  });
-  line.resize(std::min({line.size(), max_size, line.find('\n'), line.find('\0')}));
+  std::string line = output_of(command, buffer_size - 1);
+  line.resize(std::min({line.size(), line.find('\n'), line.find('\0')}));
   line.erase(line.find_last_not_of('\r') + 1);
   return line;
 }
 
-std::string command_output(const std::string& command) {
-  return read_output(command, [](const std::string&) { return false; });
-}
+std::string command_output(const std::string& command) { return output_of(command, SIZE_MAX); }

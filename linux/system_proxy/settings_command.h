@@ -4,8 +4,11 @@
 #include <string>
 #include <vector>
 
-// A desktop's settings as shell commands. "{http}" and "{socks}" stand for the ports, "{tool}" for
-// the desktop's own tool.
+// `text` with the ports in the places of "{http}" and "{socks}". Pure.
+std::string with_ports(std::string text, int http_port, int socks_port);
+
+// A desktop's settings as shell commands with "{http}", "{socks}", and "{tool}" for the desktop's own
+// tool.
 struct SettingsCommands {
   std::vector<std::string> enable;
   std::vector<std::string> disable;

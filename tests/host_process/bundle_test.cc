@@ -78,7 +78,7 @@ static const Installation k_installations[] = {
     {"a blank/and \"quotes\"", "ln -sf $icon logo.png"},
     {"$HOME/it's", "chmod 000 logo.png", "an older icon"},
     {"100%/a%b", "rm logo.png; mkdir logo.png", "an older icon"},
-    {"back\\slash `tick`", "rm $icon; mkdir $icon", ""},
+    {"back\\slash\t`tick`", "rm $icon; mkdir $icon", ""},
     {"家/目录 (1)", ""},
 };
 
