@@ -1,7 +1,5 @@
 #include "log_stream/utf8_repair.h"
 
-#include <cstdint>
-#include <cstring>
 #include <string_view>
 
 static constexpr char k_replacement[] = "\xEF\xBF\xBD";
@@ -29,22 +27,9 @@ static size_t sequence_length(std::string_view text) {
   return length;
 }
 
-// True when all eight bytes are in 1..127: logs are mostly ASCII, and this is most of the work.
-static bool is_ascii_word(const char* bytes) {
-  constexpr uint64_t ones = 0x0101010101010101;
-  constexpr uint64_t high_bits = 0x8080808080808080;
-  uint64_t word;
-  std::memcpy(&word, bytes, sizeof word);
-  return ((word | (word - ones)) & high_bits) == 0;
-}
-
 static size_t good_prefix_length(std::string_view text) {
   size_t position = 0;
   while (position < text.size()) {
-    if (position + 8 <= text.size() && is_ascii_word(text.data() + position)) {
-      position += 8;
-      continue;
-    }
     const size_t length = sequence_length(text.substr(position));
     if (length == 0) break;
     position += length;

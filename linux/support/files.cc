@@ -6,6 +6,7 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <cstring>
 #include <filesystem>
 #include <functional>
 #include <string_view>
@@ -75,15 +76,16 @@ static size_t size_to_read(int file) {
   return is_file ? static_cast<size_t>(status.st_size) : k_max_text_size;
 }
 
-static void keep_last_lines(std::string& text, size_t max_lines) {
-  size_t start = text.size();
-  if (start > 0 && text.back() == '\n') --start;
+// Where the last `max_lines` lines begin; 0 when there are no others before them.
+static size_t start_of_last_lines(std::string_view text, size_t max_lines) {
+  size_t end = text.size();
+  if (end > 0 && text.back() == '\n') --end;
   for (size_t lines = 0; lines < max_lines; ++lines) {
-    const size_t line_feed = start == 0 ? text.npos : text.rfind('\n', start - 1);
-    if (line_feed == text.npos) return;
-    start = line_feed;
+    const void* const line_feed = memrchr(text.data(), '\n', end);
+    if (line_feed == nullptr) return 0;
+    end = static_cast<size_t>(static_cast<const char*>(line_feed) - text.data());
   }
-  text.erase(0, start + 1);
+  return end + 1;
 }
 
 std::string read_file_tail(const std::string& path, size_t max_lines) {
@@ -92,13 +94,15 @@ std::string read_file_tail(const std::string& path, size_t max_lines) {
   std::string tail;
   size_t trim_size = k_chunk_size;
   read_chunks(file.get(), size_to_read(file.get()), [&](std::string_view chunk) {
-    tail.append(chunk);
+    const size_t start = start_of_last_lines(chunk, max_lines);
+    if (start > 0) tail.clear();
+    tail.append(chunk.substr(start));
     if (tail.size() < trim_size) return;
-    keep_last_lines(tail, max_lines);
+    tail.erase(0, start_of_last_lines(tail, max_lines));
     // Lines without an end aren't searched again before there is twice as much of them.
     trim_size = std::max(k_chunk_size, 2 * tail.size());
   });
-  keep_last_lines(tail, max_lines);
+  tail.erase(0, start_of_last_lines(tail, max_lines));
   if (!tail.empty() && tail.back() != '\n') tail.push_back('\n');
   return tail;
 }
