@@ -12,3 +12,18 @@ set(CORVANA_PLUGIN_TABLE
 # The targets alone.
 set(CORVANA_PLUGINS ${CORVANA_PLUGIN_TABLE})
 list(TRANSFORM CORVANA_PLUGINS REPLACE " .*" "")
+
+# Stops the configuration when the registrant's rows aren't those of the table, in its order.
+function(corvana_check_registrant registrant)
+  file(STRINGS ${registrant} rows REGEX "^    {\"")
+  set(expected "")
+  foreach(row IN LISTS CORVANA_PLUGIN_TABLE)
+    separate_arguments(row UNIX_COMMAND ${row})
+    list(GET row 1 name)
+    list(GET row 2 function)
+    list(APPEND expected "    {\"${name}\", ${function}_register_with_registrar},")
+  endforeach()
+  if(NOT rows STREQUAL expected)
+    message(FATAL_ERROR "${registrant} doesn't register the plugins of cmake/plugins.cmake")
+  endif()
+endfunction()
