@@ -1,5 +1,5 @@
 # shellcheck shell=bash disable=SC2034  # the lists are read by the scripts that source this file
-# Debian packages by purpose. Whoever needs a new one adds it to the group that fits.
+# Debian packages by purpose, and what each release names differently. Whoever needs a new one adds it to the group that fits.
 
 build_packages=(
   # Compiler and build tools; make is for a plain `cmake -S . -B BUILD`.
@@ -26,10 +26,10 @@ headless_packages=(
 test_packages=(
   # The sandbox, and the client and the server of the proxy tests.
   bubblewrap curl python3
-  # The desktops' own tools, which the tests write settings with.
-  libkf5config-bin libxfconf-0-3 xfconf
+  # The desktops' own tools, which the tests write settings with; KDE's is added below.
+  libxfconf-0-3 xfconf
   # Readers of the proxy settings that come from elsewhere.
-  libproxy-tools libproxy1-plugin-gsettings systemd
+  gir1.2-glib-2.0 glib-networking libproxy-tools python3-gi systemd
 )
 
 check_packages=(clang clang-format clang-tidy cppcheck shellcheck)
@@ -37,4 +37,31 @@ bench_packages=(bubblewrap libbenchmark-dev)
 
 # The package, and what checks it; the unit is checked in the sandbox.
 packaging_packages=(appstream bubblewrap desktop-file-utils dpkg-dev lintian systemd)
-fuzz_packages=(bubblewrap clang libclang-rt-14-dev)
+fuzz_packages=(bubblewrap clang)
+fresh_packages=(debootstrap)
+
+declare -A purpose_of_packages=(
+  [build]="the build" [runtime]="the client" [headless]="the virtual display" [test]="the tests" [check]="static checks"
+  [bench]="benchmarks" [packaging]="the Debian package" [fuzz]="the fuzzers" [fresh]="a fresh system"
+)
+
+# One field of the description that every distribution has of itself; nothing when there is none.
+os_release() {
+  # shellcheck source=/dev/null
+  (. /etc/os-release 2>/dev/null && printf '%s' "${!1-}") || true
+}
+
+# Adds the names that differ. False when the release isn't one of those that are tested.
+add_packages_of_release() {
+  case "$(os_release ID) $(os_release VERSION_ID)" in
+    "debian 12")
+      test_packages+=(libkf5config-bin libproxy1-plugin-gsettings libproxy1-plugin-kconfig)
+      fuzz_packages+=(libclang-rt-14-dev)
+      ;;
+    "debian 13")
+      test_packages+=(libkf6config-bin)
+      fuzz_packages+=(libclang-rt-19-dev)
+      ;;
+    *) return 1 ;;
+  esac
+}
