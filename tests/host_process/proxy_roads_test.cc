@@ -83,14 +83,15 @@ static const std::string
 
 static const Road k_gnome_roads[] = {
     {"gnome", {"gsettings"}, k_gnome_on, k_gnome_off}, {"gnome", {}, "", ""},
-    {"mate", {"gsettings"}, k_gnome_on, k_gnome_off},  {"mate", {}, "", ""},
+    {"mate", {"gsettings"}, k_gnome_on, k_gnome_off},  {"other", {}, "", ""},
     {"lxde", {"gsettings"}, k_gnome_on, k_gnome_off},  {"lxde", {}, "", ""},
-    {"other", {"gsettings"}, k_gnome_on, k_gnome_off}, {"other", {}, "", ""},
+    {"other", {"gsettings"}, k_gnome_on, k_gnome_off},
 };
 
 static const Road k_kde_roads[] = {
     {"kde", {"gsettings", "kwriteconfig5"}, k_kde_on, k_gnome_off + k_kde_off},
     {"kde", {"kwriteconfig5"}, k_kde_on, k_kde_off},
+    {"kde", {"kwriteconfig6"}, k_kde_on, k_kde_off},
     {"kde", {"kwriteconfig5", "kwriteconfig6"}, k_kde_on, k_kde_off},
     {"kde", {"gsettings"}, k_gnome_on, k_gnome_off},
     {"kde", {}, "", ""},

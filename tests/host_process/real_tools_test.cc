@@ -31,11 +31,17 @@ class RealTools : public HostTest {
 
 }  // namespace
 
+// What libproxy and GLib tell programs on GNOME. libproxy 0.4 names all proxies, 0.5 the first.
 static string proxies_of_gnome_programs() {
-  return output_of("DESKTOP_SESSION=gnome proxy http://example.com/ https://example.com/ | uniq");
+  return output_of(
+      "export XDG_CURRENT_DESKTOP=GNOME DESKTOP_SESSION=gnome;"
+      " { proxy http://example.com/ https://example.com/ | cut -d' ' -f1; python3 -c '"
+      "from gi.repository import Gio; look_up = Gio.ProxyResolver.get_default().lookup\n"
+      "for scheme in \"http\", \"https\", \"telnet\":"
+      "  print(look_up(scheme + \"://example.com\", None)[0])'; } | uniq");
 }
 
-static const char k_proxies[] = "http://127.0.0.1:7890 socks://127.0.0.1:7890\n",
+static const char k_proxies[] = "http://127.0.0.1:7890\nsocks5://127.0.0.1:7890\n",
                   k_direct[] = "direct://\n";
 
 TEST_F(RealTools, ProgramsShellsAndTheSystemdSessionFindTheProxyAndLoseIt) {
@@ -73,6 +79,7 @@ TEST_F(RealTools, ProgramsShellsAndTheSystemdSessionFindTheProxyAndLoseIt) {
 
 TEST_F(RealTools, KdeFileAndSignal) {
   const string file = home_.path() + "/.config/kioslaverc";
+  const string reader = "KDE_FULL_SESSION=true proxy http://example.com https://example.com | uniq";
   ChildProcess listener({"dbus-monitor", "--session", "interface=org.kde.KIO.Scheduler"});
   ASSERT_TRUE(listener.wait_for("NameAcquired"));
   ASSERT_NO_FATAL_FAILURE(connect("KDE"));
@@ -81,9 +88,10 @@ TEST_F(RealTools, KdeFileAndSignal) {
       "httpProxy=http://127.0.0.1:7890\nhttpsProxy=http://127.0.0.1:7890\n"
       "socksProxy=socks://127.0.0.1:7890\n",
       read_file(file));
+  EXPECT_EQ("http://127.0.0.1:7890\n", output_of(reader));
   ASSERT_NO_FATAL_FAILURE(disconnect());
   EXPECT_EQ("[Proxy Settings]\nNoProxyFor=localhost,127.0.0.1,::1\nProxyType=0\n", read_file(file));
-  EXPECT_EQ(k_direct, proxies_of_gnome_programs());
+  EXPECT_EQ(k_direct, output_of(reader));
   // At start-up, for the connect and for the disconnect.
   EXPECT_TRUE(eventually([] {
     return output_of("grep -c reparseSlaveConfiguration console-2") == "3\n";

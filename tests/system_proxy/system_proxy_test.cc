@@ -6,7 +6,7 @@
 
 TEST(SystemProxy, HttpAndSocksHavePortsOfTheirOwn) {
   const TemporaryHome home;
-  home.add_recorders({"gsettings", "kwriteconfig5", "xfconf-query", "dbus-send"});
+  home.add_recorders({"gsettings", "kwriteconfig5", "kwriteconfig6", "xfconf-query", "dbus-send"});
   for (const char* desktop : {"gnome", "kde", "xfce"}) {
     setenv("XDG_CURRENT_DESKTOP", desktop, 1);
     apply_system_proxy(8080, 1080);
