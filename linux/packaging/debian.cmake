@@ -47,5 +47,5 @@ string(JOIN ", " CPACK_DEBIAN_PACKAGE_RECOMMENDS
   adwaita-icon-theme librsvg2-common "fonts-noto-cjk | fonts-wqy-microhei | fonts-wqy-zenhei")
 # What one desktop alone has, and brings along: KDE's proxy, its signal and its menu refresh, and Xfce's
 # proxy.
-string(JOIN ", " CPACK_DEBIAN_PACKAGE_SUGGESTS dbus-bin libkf5config-bin libkf5service-bin xfconf)
+string(JOIN ", " CPACK_DEBIAN_PACKAGE_SUGGESTS dbus-bin "libkf6config-bin | libkf5config-bin" libkf5service-bin xfconf)
 include(CPack)
