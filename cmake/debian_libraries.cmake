@@ -1,5 +1,6 @@
 find_package(PkgConfig REQUIRED)
 find_package(Threads REQUIRED)
+pkg_check_modules(GLIB REQUIRED IMPORTED_TARGET glib-2.0)
 pkg_check_modules(GTK REQUIRED IMPORTED_TARGET gtk+-3.0 gio-unix-2.0)
 pkg_check_modules(DISPLAY REQUIRED IMPORTED_TARGET x11 wayland-client)
 pkg_check_modules(DBUS REQUIRED IMPORTED_TARGET dbus-1)

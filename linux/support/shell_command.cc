@@ -20,6 +20,16 @@
 using std::chrono::milliseconds;
 using std::chrono::steady_clock;
 
+void prepare_signals() {
+  // A console that has gone away must not end the process before it has taken the proxy back.
+  std::signal(SIGPIPE, SIG_IGN);
+  // Commands run in the terminal's background, where a warning would stop a tool.
+  std::signal(SIGTTOU, SIG_IGN);
+  std::signal(SIGTTIN, SIG_IGN);
+  // A launcher that ignores this leaves no way to learn how a command has ended.
+  std::signal(SIGCHLD, SIG_DFL);
+}
+
 // Written by every thread that runs a command.
 static std::atomic<steady_clock::time_point> g_last_activity{steady_clock::now()};
 static std::atomic<bool> g_command_has_hung{false};

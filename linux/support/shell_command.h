@@ -10,6 +10,10 @@
 // a command that takes longer than its limit is killed with all that it started. Everything here
 // may be called on any thread.
 
+// Sets the signal actions that console lines and commands count on. To be called first of all, on the
+// main thread.
+void prepare_signals();
+
 // The shell's wait status, as from the C library's `system`; -1 when no shell could be started or
 // the killed one doesn't end.
 int run_shell_command(const std::string& command);

@@ -10,6 +10,8 @@
 #include "support/files.h"
 #include "system_proxy/settings_command.h"
 
+namespace fs = std::filesystem;
+
 static constexpr char k_dropin[] = R"(# Managed by Corvana — do not edit
 http_proxy=http://127.0.0.1:{http}
 https_proxy=http://127.0.0.1:{http}
@@ -35,34 +37,44 @@ export NO_PROXY="$no_proxy"
 static constexpr char k_script_off[] =
     "unset http_proxy https_proxy HTTP_PROXY HTTPS_PROXY all_proxy ALL_PROXY no_proxy NO_PROXY\n";
 
-// The directory below the home directory, made when it is missing; nothing when HOME is unset. A
-// directory that can't be made shows when the file in it can't be opened.
-static std::optional<std::string> make_config_dir(const std::string& name) {
+static constexpr char k_dropin_file[] = "environment.d/99-corvana.conf";
+static constexpr char k_script_file[] = "corvana/proxy.sh";
+
+// Where the file lies below the home directory; nothing when HOME is unset.
+static std::optional<std::string> config_path(const std::string& file) {
   const char* const home = std::getenv("HOME");
   if (home == nullptr) return std::nullopt;
-  const std::string dir = std::string(home) + "/.config/" + name;
+  return std::string(home) + "/.config/" + file;
+}
+
+// The same, with its directory made. One that can't be made shows when the file can't be opened.
+static std::optional<std::string> prepare_config_path(const std::string& file) {
+  const auto path = config_path(file);
   std::error_code ignored;
-  std::filesystem::create_directories(dir, ignored);
-  return dir;
+  if (path) fs::create_directories(fs::path(*path).parent_path(), ignored);
+  return path;
 }
 
 void write_systemd_environment_dropin(int http_port, int socks_port, bool enable) {
-  const auto dir = make_config_dir("environment.d");
-  if (!dir) return;
-  const std::string path = *dir + "/99-corvana.conf";
+  const auto path = prepare_config_path(k_dropin_file);
+  if (!path) return;
   if (enable) {
-    write_whole_file(path, with_ports(k_dropin, http_port, socks_port));
-  } else if (path_exists(path)) {
+    write_whole_file(*path, with_ports(k_dropin, http_port, socks_port));
+  } else if (path_exists(*path)) {
     std::error_code ignored;
-    std::filesystem::remove(path, ignored);
+    fs::remove(*path, ignored);
   }
 }
 
+bool is_environment_dropin_there() {
+  const auto path = config_path(k_dropin_file);
+  return path && path_exists(*path);
+}
+
 void write_proxy_env_file(int http_port, int socks_port, bool enable) {
-  const auto dir = make_config_dir("corvana");
-  if (!dir) return;
-  const std::string path = *dir + "/proxy.sh";
+  const auto path = prepare_config_path(k_script_file);
+  if (!path) return;
   const std::string text =
       k_script_head + with_ports(enable ? k_script_on : k_script_off, http_port, socks_port);
-  if (write_whole_file(path, text)) chmod(path.c_str(), 0644);
+  if (write_whole_file(*path, text)) chmod(path->c_str(), 0644);
 }

@@ -9,6 +9,9 @@
 // disable.
 void write_systemd_environment_dropin(int http_port, int socks_port, bool enable);
 
+// True when that file exists: the client has set the proxy and not taken it back. Any thread.
+bool is_environment_dropin_there();
+
 // ~/.config/corvana/proxy.sh, to be sourced into a shell, never executable; unsets the variables
 // when disabled.
 void write_proxy_env_file(int http_port, int socks_port, bool enable);

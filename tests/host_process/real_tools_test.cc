@@ -2,10 +2,19 @@
 
 using std::string;
 
+static string in_a_new_session(const string& command) {
+  static const string generators[] = {
+      "/usr/lib/systemd/user-environment-generators/30-systemd-environment-d-generator",
+      LOGIN_FILES "/40-corvana"};
+  return output_of("env -i PATH=$PATH $(" + generators[0] + "; HOME=$HOME " + generators[1] + ") " +
+                   command + " 2>&1");
+}
+
 namespace {
 
-// The desktops' own tools, with the services that they start on a session bus of the test's.
-class RealTools : public HostTest {
+// The desktops' own tools, with the services that they start on a session bus of the test's. The proxy
+// is taken back by a disconnect, or at the login after host and core were killed.
+class RealTools : public HostTest, public testing::WithParamInterface<const char*> {
  protected:
   RealTools() {
     EXPECT_TRUE(bus_.wait_for("\n")) << "no address";
@@ -18,6 +27,8 @@ class RealTools : public HostTest {
     ASSERT_TRUE(host_->wait_for("[Corvana] 已设置系统代理")) << host_->console();
   }
 
+  void take_back() { return GetParam() == string("Disconnect") ? disconnect() : die_and_log_in(); }
+
   // By a second launch, as the first one's button can't be pressed from here.
   static void disconnect() {
     ChildProcess second({CORVANA_EXECUTABLE, "--quit"});
@@ -25,9 +36,19 @@ class RealTools : public HostTest {
     ASSERT_NE(string::npos, second.console().find("已停止代理服务")) << second.console();
   }
 
+  void die_and_log_in() {
+    host_.reset();
+    EXPECT_EQ("all_proxy=\nhttp_proxy=\nhttps_proxy=\nno_proxy=\n",
+              in_a_new_session("env | grep _proxy | LC_ALL=C sort"));
+    ChildProcess program({CORVANA_BUNDLE "/corvana-proxy-reset"});
+    EXPECT_EQ(0, program.wait_for_exit().value_or(-1)) << program.console();
+  }
+
   const ChildProcess bus_{{"dbus-daemon", "--session", "--nofork", "--print-address"}};
   std::optional<ChildProcess> host_;
 };
+
+INSTANTIATE_TEST_SUITE_P(By, RealTools, testing::Values("Disconnect", "Login"));
 
 }  // namespace
 
@@ -44,11 +65,9 @@ static string proxies_of_gnome_programs() {
 static const char k_proxies[] = "http://127.0.0.1:7890\nsocks5://127.0.0.1:7890\n",
                   k_direct[] = "direct://\n";
 
-TEST_F(RealTools, ProgramsShellsAndTheSystemdSessionFindTheProxyAndLoseIt) {
+TEST_P(RealTools, ProgramsShellsAndTheSystemdSessionFindTheProxyAndLoseIt) {
   const string sorted = " | grep -i _proxy | LC_ALL=C sort | tr '\\n' ' '";
   const string shell = "http_proxy=http://old bash -c '. ~/.config/corvana/proxy.sh; env'" + sorted;
-  const string generator =
-      "/usr/lib/systemd/user-environment-generators/30-systemd-environment-d-generator" + sorted;
   const string lower =
       "all_proxy=socks5://127.0.0.1:7890 http_proxy=http://127.0.0.1:7890"
       " https_proxy=http://127.0.0.1:7890 no_proxy=localhost,127.0.0.1,::1 ";
@@ -65,19 +84,19 @@ TEST_F(RealTools, ProgramsShellsAndTheSystemdSessionFindTheProxyAndLoseIt) {
       " HTTP_PROXY=http://127.0.0.1:7890 NO_PROXY=localhost,127.0.0.1,::1 " +
           lower,
       output_of(shell));
-  EXPECT_EQ(lower, output_of(generator));
+  EXPECT_EQ(lower, in_a_new_session("env" + sorted));
   for (const char* way : {"-x http://", "-p -x http://", "--socks5 ", "--socks5-hostname "}) {
     EXPECT_TRUE(text == output_of(page + " " + way + "127.0.0.1:7890")) << way;
   }
 
-  ASSERT_NO_FATAL_FAILURE(disconnect());
+  ASSERT_NO_FATAL_FAILURE(take_back());
   EXPECT_EQ(k_direct, proxies_of_gnome_programs());
   EXPECT_EQ("", output_of(shell));
-  EXPECT_EQ("", output_of(generator));
+  EXPECT_EQ("", in_a_new_session("env" + sorted));
   EXPECT_FALSE(text == output_of(page + " -x http://127.0.0.1:7890"));
 }
 
-TEST_F(RealTools, KdeFileAndSignal) {
+TEST_P(RealTools, KdeFileAndSignal) {
   const string file = home_.path() + "/.config/kioslaverc";
   const string reader = "KDE_FULL_SESSION=true proxy http://example.com https://example.com | uniq";
   ChildProcess listener({"dbus-monitor", "--session", "interface=org.kde.KIO.Scheduler"});
@@ -89,7 +108,7 @@ TEST_F(RealTools, KdeFileAndSignal) {
       "socksProxy=socks://127.0.0.1:7890\n",
       read_file(file));
   EXPECT_EQ("http://127.0.0.1:7890\n", output_of(reader));
-  ASSERT_NO_FATAL_FAILURE(disconnect());
+  ASSERT_NO_FATAL_FAILURE(take_back());
   EXPECT_EQ("[Proxy Settings]\nNoProxyFor=localhost,127.0.0.1,::1\nProxyType=0\n", read_file(file));
   EXPECT_EQ(k_direct, output_of(reader));
   // At start-up, for the connect and for the disconnect.
@@ -98,13 +117,13 @@ TEST_F(RealTools, KdeFileAndSignal) {
   })) << listener.console();
 }
 
-TEST_F(RealTools, XfcePropertyBesideTheGnomeSettings) {
+TEST_P(RealTools, XfcePropertyBesideTheGnomeSettings) {
   const string query = "xfconf-query -c xfce4-session -p /general/ProxyHTTP 2>&1";
   const string value = "Value is an array with 2 items:\n\n127.0.0.1\n7890\n";
   ASSERT_NO_FATAL_FAILURE(connect("XFCE"));
   EXPECT_EQ(value, output_of(query));
   EXPECT_EQ(k_proxies, proxies_of_gnome_programs());
-  ASSERT_NO_FATAL_FAILURE(disconnect());
+  ASSERT_NO_FATAL_FAILURE(take_back());
   EXPECT_EQ(value, output_of(query));  // only the GNOME settings are taken back
   EXPECT_EQ(k_direct, proxies_of_gnome_programs());
 }

@@ -1,0 +1,50 @@
+// A program that runs at login: takes back a proxy that the client has set and that a power cut or a
+// killed session has left without a core.
+#include <glib.h>
+
+#include <string>
+
+#include "core/core_process.h"
+#include "support/console.h"
+#include "support/guarded.h"
+#include "support/leaving.h"
+#include "support/shell_command.h"
+#include "system_proxy/proxy_env_files.h"
+#include "system_proxy/system_proxy.h"
+
+static bool parse_arguments(int argc, char** argv, bool& wants_version, std::string& complaint) {
+  gboolean version = FALSE;
+  const GOptionEntry entries[] = {
+      {"version", 0, 0, G_OPTION_ARG_NONE, &version, "Print the version and end", nullptr}, {}};
+  g_autoptr(GOptionContext) context = g_option_context_new("- take back a proxy without a core");
+  g_option_context_add_main_entries(context, entries, nullptr);
+  g_autoptr(GError) error = nullptr;
+  if (!g_option_context_parse(context, &argc, &argv, &error)) {
+    complaint = error->message;
+  } else if (argc > 1) {
+    complaint = std::string("Unexpected argument ") + argv[1];
+  }
+  wants_version = version;
+  return complaint.empty();
+}
+
+int main(int argc, char** argv) {
+  keep_standard_streams_open();
+  prepare_signals();
+  bool wants_version = false;
+  std::string complaint;
+  if (!parse_arguments(argc, argv, wants_version, complaint)) {
+    print_error_line(complaint);
+    return 2;
+  }
+  if (wants_version) {
+    print_line("corvana-proxy-reset " CORVANA_VERSION);
+    return 0;
+  }
+  // With the limits of leaving no tool that hangs holds the login up.
+  begin_leaving();
+  run_guarded([] {
+    if (is_environment_dropin_there() && !is_core_running()) clear_system_proxy();
+  });
+  return 0;
+}
