@@ -12,6 +12,7 @@
 #include <filesystem>
 
 #include "core/start_task.h"
+#include "flutter_embedding/values/value.h"
 #include "host_process/host_process.h"
 #include "proxy_service/tasks.h"
 #include "support/channel_client.h"
@@ -177,6 +178,15 @@ static const Fault k_faults[] = {
 
 INSTANTIATE_TEST_SUITE_P(Of, Faults, testing::ValuesIn(k_faults));
 
+TEST_F(Host, AStopTriesOnceMore) {
+  ASSERT_EQ(start(), "done");
+  home_.add_stand_in("pkill", "#!/bin/sh\nrm $0\n");
+  testing::internal::CaptureStdout();
+  EXPECT_EQ(finish("stopVPN"), "done");
+  EXPECT_EQ(testing::internal::GetCapturedStdout(),
+            "[Corvana] 已清除系统代理 (DE=gnome)\n已成功强制终止代理服务\n");
+}
+
 TEST_F(Host, AStopWithoutCommandsOrThreadsFailsAndTheNextTakesTheProxyBack) {
   ASSERT_EQ(start(), "done");
   g_no_processes = true;
@@ -199,6 +209,7 @@ TEST_F(Host, AStartThatIsCutOffBeforeItHasDoneAnythingTakesNothingBack) {
   fl_value_set_string_take(args, "configPath", fl_value_new_string("config.json"));
   g_leaves_at_probe = true;
   start_vpn_thread(fl_value_ref(args));
+  EXPECT_EQ(args->references, 1) << "its own reference is released";
   EXPECT_EQ(home_.recorded_commands(), std::vector<std::string>());
 }
 

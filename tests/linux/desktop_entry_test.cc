@@ -13,6 +13,14 @@
 
 namespace fs = std::filesystem;
 
+// No pause lasts, but each counts.
+static time_t g_seconds_paused = 0;
+
+extern "C" int nanosleep(const timespec* duration, timespec*) {
+  g_seconds_paused += duration->tv_sec;
+  return 0;
+}
+
 static std::string exec_line(const std::string& path) {
   return lines_of(desktop_entry_text(path).value_or("\n\n\n\n\nnothing\n")).at(5);
 }
@@ -53,14 +61,16 @@ TEST(DesktopEntry, InstallsAndRefreshesAsTheDesktopNeedsIt) {
     umask(0077);
     testing::internal::CaptureStdout();
     testing::internal::CaptureStderr();
+    g_seconds_paused = 0;
     install_desktop_entry();
+    EXPECT_EQ(g_seconds_paused, 1);
     const std::string share = home.path() + "/.local/share";
     const std::string entry = share + "/applications/Corvana.desktop";
     EXPECT_EQ(testing::internal::GetCapturedStdout(), "已创建桌面入口文件: " + entry + "\n");
     EXPECT_EQ(testing::internal::GetCapturedStderr(),
               "警告: 图标文件未找到，桌面图标可能无法正常显示\n");
     EXPECT_EQ(fs::status(entry).permissions(), fs::perms(0755));
-    EXPECT_EQ(read_file(entry), desktop_entry_text(get_executable_dir() + "/desktop_entry_test"));
+    EXPECT_EQ(read_file(entry), desktop_entry_text(get_executable_dir() + "/host_test"));
 
     std::vector<std::string> expected = {"gtk-update-icon-cache -f -t " + share + "/icons/hicolor",
                                          "update-desktop-database " + share + "/applications",
