@@ -35,7 +35,7 @@ class LeavingTest : public HostTest {
     home_.add_stand_in("gsettings", R"(#!/bin/sh
 read -r delay hangs_at <pace
 sleep "$delay"
-case ${hangs_at:-never} in "$4" | all) sleep 1000 ;; esac
+case ${hangs_at:-never} in "$4" | all) : >hanging; sleep 1000 ;; esac
 echo "a warning" >&2
 echo "$4" >"settings/${2#org.gnome.system.}.$3"
 : >answered
@@ -157,8 +157,7 @@ TEST_P(HungTool, DoesNotKeepTheProcess) {
   ChildProcess host(connecting());
   ASSERT_TRUE(wait_until_signals_are_hooked(host));
   set_pace(std::string("0 ") + GetParam());
-  ASSERT_TRUE(host.wait_for("启动成功"));
-  std::this_thread::sleep_for(300ms);
+  ASSERT_TRUE(eventually([] { return fs::exists("hanging"); })) << host.console();
   if (GetParam() == std::string("all")) {
     close_window();
     EXPECT_TRUE(eventually([] { return visible_windows() == 0; }, 3s)) << "a frozen window";
