@@ -4,6 +4,14 @@ target_compile_options(corvana_warnings INTERFACE
   $<$<CXX_COMPILER_ID:Clang>:-Wreserved-identifier>
   $<$<CXX_COMPILER_ID:Clang>:-Wreserved-macro-identifier>)
 
+# What every release build is hardened with. A compiler's own _FORTIFY_SOURCE gives way to ours.
+include(CheckPIESupported)
+check_pie_supported(LANGUAGES CXX)
+set(CMAKE_POSITION_INDEPENDENT_CODE ON)
+set(optimized $<CONFIG:Release,RelWithDebInfo,MinSizeRel>)
+add_compile_options("$<${optimized}:-fstack-protector-strong;-U_FORTIFY_SOURCE;-D_FORTIFY_SOURCE=2>")
+add_link_options("$<${optimized}:LINKER:-z,relro;LINKER:-z,now>")
+
 if(CORVANA_SANITIZER)
   add_compile_options(-fsanitize=${CORVANA_SANITIZER} -fno-omit-frame-pointer)
   add_link_options(-fsanitize=${CORVANA_SANITIZER})
