@@ -1,5 +1,7 @@
 #!/usr/bin/env bash
 # Installs a built bundle together with a core, and takes away again exactly what it has installed.
+# `sh install.sh` is meant for bash too.
+if [ -z "${BASH_VERSION-}" ]; then exec bash "$0" "$@"; fi
 set -euo pipefail
 shopt -s inherit_errexit
 
@@ -14,7 +16,38 @@ prefix=""
 even_if_running=no
 unfinished=""
 
+is_chinese() {
+  local locale=${LC_ALL:-${LC_MESSAGES:-${LANG-}}}
+  case $locale in
+    "" | C | C.* | POSIX) ;;
+    *) locale=${LANGUAGE:-$locale} ;;
+  esac
+  [[ $locale == zh* ]]
+}
+
 usage() {
+  if is_chinese; then usage_in_chinese; else usage_in_english; fi
+}
+
+usage_in_english() {
+  cat <<'TEXT'
+Usage:
+  install.sh --core FILE [--bundle FOLDER] [--prefix FOLDER]   installs, or updates what is installed
+  install.sh --uninstall [--prefix FOLDER] [--force]           uninstalls
+
+  --core FILE      the core, which becomes bin/zant of the installation; not needed where one is installed already
+  --bundle FOLDER  the built program; this script's folder unless given, or build/bundle of the sources
+  --prefix FOLDER  where to install; this script's folder if it is an installation, otherwise /opt/corvana
+  --uninstall      deletes only what this script has installed; settings, logs and other personal files stay
+  --force          uninstalls although the program is running
+  --help           shows this text
+
+Where the program is in place already, for example from a package, only the core is added.
+Installing to /opt/corvana needs root (sudo); a folder of your own doesn't.
+TEXT
+}
+
+usage_in_chinese() {
   cat <<'TEXT'
 用法：
   install.sh --core 核心文件 [--bundle 目录] [--prefix 目录]   安装，或更新已有的安装
@@ -32,15 +65,19 @@ usage() {
 TEXT
 }
 
-say() { printf 'install.sh: %s\n' "$*"; }
+# say CHINESE ENGLISH: in the language of the locale. So do the two functions below.
+say() {
+  is_chinese || shift
+  printf 'install.sh: %s\n' "$1"
+}
 
 fail() {
-  say "错误：$*" >&2
+  say "错误：$1" "error: $2" >&2
   exit 1
 }
 
 misused() {
-  say "$1（用法见 install.sh --help）" >&2
+  say "$1（用法见 install.sh --help）" "$2 (see install.sh --help)" >&2
   exit 2
 }
 
@@ -48,14 +85,14 @@ parse_arguments() {
   while (($#)); do
     case $1 in
       --core | --bundle | --prefix)
-        [[ -n ${2-} ]] || misused "选项 $1 缺少值"
+        [[ -n ${2-} ]] || misused "选项 $1 缺少值" "$1 needs a value"
         printf -v "${1#--}" %s "$2"
         shift
         ;;
       --uninstall) action=uninstall ;;
       --force) even_if_running=yes ;;
       -h | --help) action=usage ;;
-      *) misused "未知参数：$1" ;;
+      *) misused "未知参数：$1" "unknown argument: $1" ;;
     esac
     shift
   done
@@ -72,37 +109,40 @@ default_prefix() {
 choose_places() {
   bundle=$(realpath -m -- "${bundle:-$(default_bundle)}")
   prefix=$(realpath -m -- "${prefix:-$(default_prefix)}")
-  [[ $prefix != / ]] || fail "安装位置不能是根目录"
+  [[ $prefix != / ]] || fail "安装位置不能是根目录" "the prefix can't be the root folder"
 }
 
 require_bundle() {
   local file
   for file in "${required_files[@]}"; do
-    [[ -f $bundle/$file ]] || fail "$bundle 中没有 $file，不是构建好的程序；请先构建，或用 --bundle 指定目录"
+    [[ -f $bundle/$file ]] || fail "$bundle 中没有 $file，不是构建好的程序；请先构建，或用 --bundle 指定目录" \
+      "$bundle has no $file, so it is no built program; build it first, or name its folder with --bundle"
   done
-  [[ -x $bundle/Corvana ]] || fail "$bundle/Corvana 不可执行"
+  [[ -x $bundle/Corvana ]] || fail "$bundle/Corvana 不可执行" "$bundle/Corvana is not executable"
 }
 
 # The next run would take the installation for a part of the bundle.
 require_place_outside_bundle() {
-  [[ $prefix != "$bundle"/* ]] || fail "安装位置不能在程序目录 $bundle 里面；请用 --prefix 另选位置"
+  [[ $prefix != "$bundle"/* ]] || fail "安装位置不能在程序目录 $bundle 里面；请用 --prefix 另选位置" \
+    "the prefix can't be inside the program's folder $bundle; choose another one with --prefix"
 }
 
 require_core() {
   if [[ -z $core ]]; then
-    [[ -x $prefix/$core_file ]] || fail "没有核心；请用 --core 指定核心文件"
+    [[ -x $prefix/$core_file ]] || fail "没有核心；请用 --core 指定核心文件" "there is no core; name one with --core"
     return
   fi
-  [[ -f $core ]] || fail "核心文件不存在，或不是普通文件：$core"
-  [[ -r $core ]] || fail "没有读取核心文件的权限：$core"
-  [[ -x $core ]] || fail "核心文件不可执行：$core（可用 chmod +x 修复）"
+  [[ -f $core ]] || fail "核心文件不存在，或不是普通文件：$core" "the core doesn't exist, or is no regular file: $core"
+  [[ -r $core ]] || fail "没有读取核心文件的权限：$core" "no permission to read the core: $core"
+  [[ -x $core ]] || fail "核心文件不可执行：$core（可用 chmod +x 修复）" "the core is not executable: $core (see chmod +x)"
 }
 
 require_writable() {
   local folder=$prefix
   until [[ -e $folder ]]; do folder=$(dirname -- "$folder"); done
-  [[ -d $folder ]] || fail "安装位置不是目录：$folder"
-  [[ -w $folder ]] || fail "没有写入 $folder 的权限；请用 sudo 运行，或用 --prefix 另选位置"
+  [[ -d $folder ]] || fail "安装位置不是目录：$folder" "the prefix is no folder: $folder"
+  [[ -w $folder ]] || fail "没有写入 $folder 的权限；请用 sudo 运行，或用 --prefix 另选位置" \
+    "no permission to write to $folder; use sudo, or choose another place with --prefix"
 }
 
 # What earlier runs have installed, one path below the prefix a line; a folder that they made ends in a slash.
@@ -136,7 +176,8 @@ refuse_foreign_files() {
   local file
   while read -r file; do
     [[ -e $prefix/$file ]] || continue
-    fail "$prefix/$file 已存在，但不是本脚本安装的；请先移走它（软件包则先卸载），或用 --prefix 另选位置"
+    fail "$prefix/$file 已存在，但不是本脚本安装的；请先移走它（软件包则先卸载），或用 --prefix 另选位置" \
+      "$prefix/$file exists, and not from this script; move it away (or remove its package), or choose --prefix"
   done < <(lines_beyond "$(recorded)" <<<"$1")
 }
 
@@ -204,7 +245,8 @@ install_bundle() {
   require_core
   require_writable
   files=$(wanted_files)
-  [[ -n $files ]] || fail "$prefix 已有程序和核心；要更换核心，请用 --core 指定"
+  [[ -n $files ]] || fail "$prefix 已有程序和核心；要更换核心，请用 --core 指定" \
+    "$prefix has a program and a core already; to replace the core, name one with --core"
   refuse_foreign_files "$files"
   folders=$(missing_folders "$files")
   make_folders "$folders"
@@ -212,15 +254,18 @@ install_bundle() {
   printf '%s\n' "$(recorded)" "$folders" "$files" | write_record
   place_files "$files"
   remove_outdated "$files"
-  say "已安装到 $prefix，启动：$prefix/Corvana"
-  if [[ -n $(running_processes) ]]; then say "程序正在运行，重新启动后才使用新文件"; fi
+  say "已安装到 $prefix，启动：$prefix/Corvana" "installed to $prefix; start it with $prefix/Corvana"
+  if [[ -n $(running_processes) ]]; then
+    say "程序正在运行，重新启动后才使用新文件" "the program is running, and uses the new files after a restart"
+  fi
 }
 
 refuse_while_running() {
   local processes
   [[ $even_if_running == no ]] || return 0
   processes=$(running_processes)
-  [[ -z $processes ]] || fail "程序正在运行（进程 ${processes% }）；请先退出，或加上 --force"
+  [[ -z $processes ]] || fail "程序正在运行（进程 ${processes% }）；请先退出，或加上 --force" \
+    "the program is running (process ${processes% }); close it first, or add --force"
 }
 
 # Never outside the prefix, whatever has become of the record.
@@ -228,7 +273,7 @@ remove_recorded() {
   local path
   while read -r path; do
     case /$path in
-      *//* | */../*) say "跳过不正确的记录：$path" >&2 ;;
+      *//* | */../*) say "跳过不正确的记录：$path" "skipping a wrong line of the record: $path" >&2 ;;
       */) rmdir -- "$prefix/${path#./}" 2>/dev/null || true ;;
       *) rm -f -- "$prefix/$path" ;;
     esac
@@ -238,14 +283,17 @@ remove_recorded() {
 uninstall() {
   local record
   record=$(recorded)
-  [[ -n $record ]] || fail "$prefix 中没有本脚本的安装记录，没有可卸载的文件"
+  [[ -n $record ]] || fail "$prefix 中没有本脚本的安装记录，没有可卸载的文件" \
+    "$prefix has no record of this script, so there is nothing to uninstall"
   require_writable
   refuse_while_running
   files_only <<<"$record" | remove_recorded
   rm -f -- "$prefix/$record_name"
   folders_only <<<"$record" | sort -r | remove_recorded
-  say "已从 $prefix 卸载"
-  if [[ -n $(ls -A -- "$prefix" 2>/dev/null || true) ]]; then say "$prefix 中还有不是本脚本安装的文件，已保留"; fi
+  say "已从 $prefix 卸载" "uninstalled from $prefix"
+  if [[ -n $(ls -A -- "$prefix" 2>/dev/null || true) ]]; then
+    say "$prefix 中还有不是本脚本安装的文件，已保留" "files in $prefix that this script has not installed were kept"
+  fi
 }
 
 main() {
