@@ -5,6 +5,8 @@ execute_process(COMMAND ${GZIP} -9nc ${debian}/changelog
   OUTPUT_FILE ${changelog} COMMAND_ERROR_IS_FATAL ANY)
 set_property(DIRECTORY APPEND PROPERTY CMAKE_CONFIGURE_DEPENDS ${debian}/changelog)
 
+configure_file(${debian}/prerm.in ${CMAKE_CURRENT_BINARY_DIR}/prerm @ONLY)
+
 install(FILES ${changelog} ${debian}/copyright
   DESTINATION share/doc/corvana COMPONENT debian EXCLUDE_FROM_ALL)
 install(FILES ${debian}/lintian-overrides RENAME corvana
@@ -21,18 +23,18 @@ KDE, Xfce and their relatives at it. The proxy is taken back on a disconnect,
 when the program ends, and at the next start after a crash.
 .
 The core itself is not part of this package: put one into place with
-\"/opt/corvana/install.sh --core FILE\".")
+\"${CORVANA_INSTALLED_BUNDLE}/install.sh --core FILE\".")
 set(CPACK_STRIP_FILES ON)
-# The bundle to /opt/corvana, what the system looks for to /usr.
+# What the system looks for goes to /usr.
 set(CPACK_PACKAGING_INSTALL_PREFIX /)
 set(CPACK_INSTALL_CMAKE_PROJECTS
-  ${CMAKE_BINARY_DIR} ${PROJECT_NAME} bundle /opt/corvana
+  ${CMAKE_BINARY_DIR} ${PROJECT_NAME} bundle ${CORVANA_INSTALLED_BUNDLE}
   ${CMAKE_BINARY_DIR} ${PROJECT_NAME} system /usr
   ${CMAKE_BINARY_DIR} ${PROJECT_NAME} debian /usr)
 
 set(CPACK_DEBIAN_FILE_NAME DEB-DEFAULT)
 set(CPACK_DEBIAN_PACKAGE_SECTION net)
-set(CPACK_DEBIAN_PACKAGE_CONTROL_EXTRA ${debian}/prerm)
+set(CPACK_DEBIAN_PACKAGE_CONTROL_EXTRA ${CMAKE_CURRENT_BINARY_DIR}/prerm)
 set(CPACK_DEBIAN_PACKAGE_CONTROL_STRICT_PERMISSION ON)
 # The libraries come from what the program is linked with. Here are pkill, which ends the core, and ps,
 # which names the desktop.
