@@ -32,7 +32,7 @@ test_packages=(
   gir1.2-glib-2.0 glib-networking libproxy-tools python3-gi systemd
 )
 
-check_packages=(clang clang-format clang-tidy cppcheck shellcheck)
+check_packages=(clang clang-format clang-tidy cmark-gfm cppcheck python3 shellcheck)
 bench_packages=(bubblewrap libbenchmark-dev)
 
 # The package, and what checks it; the unit is checked in the sandbox.
