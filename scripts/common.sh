@@ -102,7 +102,7 @@ install_missing() {
   mkdir -p -- "$root/build"
   : >"$setup_log"
   apt_install "${all[@]}" && return
-  grep '^E: ' "$setup_log" >&2 || tail -n 5 -- "$setup_log" >&2
+  grep '^E: ' "$setup_log" | sort -u >&2 || tail -n 5 -- "$setup_log" >&2
   fail "could not install the packages; the whole log is $setup_log"
 }
 
