@@ -112,7 +112,7 @@ class Service : public HostTest {
   ~Service() override {
     begin_leaving();
     wait_for_workers();
-    system("pkill -9 -f 'zant +run +-c'");
+    output_of("pkill -9 -f 'zant +run +-c'");
     fs::remove_all("/opt/corvana");
   }
 

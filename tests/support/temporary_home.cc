@@ -25,7 +25,8 @@ TemporaryHome::TemporaryHome() {
 
 TemporaryHome::~TemporaryHome() {
   fs::current_path("/");
-  system(("/bin/chmod -R u+rwX " + path_ + " 2>/dev/null; /bin/rm -rf " + path_).c_str());
+  [[maybe_unused]] const int status =
+      system(("/bin/chmod -R u+rwX " + path_ + " 2>/dev/null; /bin/rm -rf " + path_).c_str());
 }
 
 void TemporaryHome::allow_only(const std::vector<std::string>& programs) const {
