@@ -46,7 +46,7 @@ static std::string key_file_escaped(const std::string& text) {
 
 static std::string exec_value(const std::string& path) {
   // A percent sign starts a field code, so a plain one is written twice.
-  const std::string argument = with_escapes(path, "%", '%');
+  std::string argument = with_escapes(path, "%", '%');
   if (argument.find_first_of(k_reserved) == argument.npos) return argument;
   return key_file_escaped("\"" + with_escapes(argument, k_escaped_in_quotes, '\\') + "\"");
 }

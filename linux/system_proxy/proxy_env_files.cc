@@ -49,7 +49,7 @@ static std::optional<std::string> config_path(const std::string& file) {
 
 // The same, with its directory made. One that can't be made shows when the file can't be opened.
 static std::optional<std::string> prepare_config_path(const std::string& file) {
-  const auto path = config_path(file);
+  auto path = config_path(file);
   std::error_code ignored;
   if (path) fs::create_directories(fs::path(*path).parent_path(), ignored);
   return path;
