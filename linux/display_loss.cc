@@ -14,8 +14,8 @@
 
 #include "exit_cleanup.h"
 
-// GDK, left to itself, ends the process at once, past the shutdown: at the end of a session, the
-// display may go before any signal comes.
+// GDK would end the process at once, without the clean-up. At the end of a session the display may go
+// before any signal comes.
 [[noreturn]] static void leave_without_display() {
   announce_leaving("[Corvana] 与显示服务器的连接已断开，清理系统代理后退出");
   leave_cleanly();
@@ -38,7 +38,7 @@ void hook_display_loss() {
   if (GDK_IS_X11_DISPLAY(display)) XSetIOErrorHandler(on_x11_connection_lost);
 #endif
 #ifdef GDK_WINDOWING_WAYLAND
-  // Here nobody can be asked to tell: so look at the connection before GDK does.
+  // Wayland has no hook for this; watch its socket before GDK does.
   if (GDK_IS_WAYLAND_DISPLAY(display)) {
     const int connection = wl_display_get_fd(gdk_wayland_display_get_wl_display(display));
     g_unix_fd_add_full(G_PRIORITY_HIGH, connection, GIOCondition(G_IO_HUP | G_IO_ERR),

@@ -11,7 +11,7 @@ int main(int argc, char** argv) {
   prepare_signals();
   MyApplication* const application = my_application_new();
   const int exit_status = g_application_run(G_APPLICATION(application), argc, argv);
-  // All is taken back: what is left, such as a plugin whose teardown hangs, may be ended.
+  // Everything is taken back. A plugin whose teardown hangs can be ended by a signal.
   stop_watching_exit_signals();
   g_object_unref(application);
   if (is_worker_abandoned()) _exit(exit_status);

@@ -10,6 +10,7 @@
 #include "support/files.h"
 
 static constexpr char k_title[] = "Corvana";
+// The icon's literal name, not a placeholder that something fills in.
 static constexpr char k_fallback_icon_name[] = "{CONF_MERCHANT_BRAND_NAME_EN_LOWER}";
 
 static bool set_icon_from_file(GtkWindow* window, const std::string& path) {

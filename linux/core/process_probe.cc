@@ -17,7 +17,7 @@ static bool is_process_entry(const dirent& entry) {
 }
 
 // Reads the first line of `fd` into `buffer`, which grows when a command line is longer and is kept
-// for the next process. A read that leaves room was the last: the kernel hands out all there is.
+// for the next process. A short read of a /proc file is its end.
 static std::string_view read_first_line_into(std::vector<char>& buffer, int fd) {
   size_t length = 0;
   while (true) {

@@ -24,7 +24,7 @@ bool is_core_running() { return ++g_probes == g_core_appears_at; }
 
 extern "C" int connect(int socket, const sockaddr* address, socklen_t size) {
   ++g_attempts;
-  if (g_connects_to_itself) bind(socket, address, size);
+  if (g_connects_to_itself) EXPECT_EQ(bind(socket, address, size), 0);
   static const auto real = reinterpret_cast<decltype(&connect)>(dlsym(RTLD_NEXT, "connect"));
   return real(socket, address, size);
 }

@@ -131,7 +131,7 @@ class Service : public HostTest {
   // "done", the code of the failure, or "no end".
   std::string start(const char* config = "config.json") {
     g_autoptr(FlValue) args = arguments(config);
-    const std::string end = finish("startVPN", args);
+    std::string end = finish("startVPN", args);
     if (end != "failed") return end;
     const std::string error = client_.call("getLastError");
     return error.substr(7, error.find(',') - 7);

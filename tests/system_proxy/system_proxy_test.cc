@@ -78,9 +78,9 @@ TEST(SystemProxy, RunsTheToolsOfTheDesktopInOrderAndReports) {
     home.add_recorders(desktop.tools);
     home.add_recorders({"dbus-send"});
     setenv("XDG_CURRENT_DESKTOP", desktop.name, 1);
-    const std::string de = std::string("(DE=") + desktop.name;
-    std::string report = "[Corvana] 已设置系统代理 " + de + ", HTTP=7890, SOCKS=1080)\n" +
-                         "[Corvana] 已清除系统代理 " + de + ")\n";
+    std::string report = std::string("[Corvana] 已设置系统代理 (DE=") + desktop.name +
+                         ", HTTP=7890, SOCKS=1080)\n[Corvana] 已清除系统代理 (DE=" + desktop.name +
+                         ")\n";
     if (desktop.tools.empty()) {
       report = std::string("[Corvana] 桌面 backend 不可用（DE=") + desktop.name +
                "，gsettings/kwriteconfig/xfconf 都没匹配），仅写入 env 文件"
