@@ -1,7 +1,6 @@
 // Lines don't depend on how the log was cut into reads, and what is repaired has UTF-8's shape.
 #include "fuzz/fuzzer.h"
-#include "log_stream/log_lines.h"
-#include "log_stream/utf8_repair.h"
+#include "log_stream/log_text.h"
 
 static bool has_shape_of_utf8(const std::string& text) {
   int awaited = 0;

@@ -6,8 +6,7 @@
 #include <cstring>
 #include <string>
 
-#include "log_stream/log_lines.h"
-#include "log_stream/utf8_repair.h"
+#include "log_stream/log_text.h"
 
 static constexpr size_t k_batch_size = size_t{64} * 1024;
 

@@ -5,11 +5,10 @@
 #include <string>
 #include <thread>
 
-#include "core/core_binary.h"
 #include "core/core_config.h"
+#include "core/core_paths.h"
 #include "core/core_process.h"
 #include "core/readiness.h"
-#include "core/runtime_dir.h"
 #include "core/shell_quoting.h"
 #include "core/start_failures.h"
 #include "proxy_service/last_error.h"

@@ -9,9 +9,8 @@
 #include <string>
 #include <utility>
 
-#include "core/runtime_dir.h"
-#include "log_stream/log_lines.h"
-#include "log_stream/utf8_repair.h"
+#include "core/core_paths.h"
+#include "log_stream/log_text.h"
 #include "support/console.h"
 #include "support/guarded.h"
 #include "support/unique_fd.h"

@@ -3,9 +3,8 @@
 #include <cstdlib>
 #include <string>
 
-#include "core/core_binary.h"
+#include "core/core_paths.h"
 #include "core/core_process.h"
-#include "core/runtime_dir.h"
 #include "proxy_service/reply_map.h"
 #include "support/files.h"
 #include "support/shell_command.h"

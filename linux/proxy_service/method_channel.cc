@@ -4,7 +4,7 @@
 #include <functional>
 #include <utility>
 
-#include "core/core_binary.h"
+#include "core/core_paths.h"
 #include "core/core_process.h"
 #include "core/start_failures.h"
 #include "core/start_task.h"

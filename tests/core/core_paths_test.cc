@@ -1,3 +1,5 @@
+#include "core/core_paths.h"
+
 #include <gtest/gtest.h>
 #include <stdlib.h>
 #include <sys/stat.h>
@@ -5,8 +7,6 @@
 
 #include <filesystem>
 
-#include "core/core_binary.h"
-#include "core/runtime_dir.h"
 #include "support/temporary_home.h"
 
 namespace fs = std::filesystem;

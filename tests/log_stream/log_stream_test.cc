@@ -6,7 +6,7 @@
 #include <fstream>
 #include <sstream>
 
-#include "core/runtime_dir.h"
+#include "core/core_paths.h"
 #include "flutter_embedding/ui_channel.h"
 #include "support/channel_client.h"
 #include "support/temporary_home.h"

@@ -1,7 +1,6 @@
-#include <gtest/gtest.h>
+#include "log_stream/log_text.h"
 
-#include "log_stream/log_lines.h"
-#include "log_stream/utf8_repair.h"
+#include <gtest/gtest.h>
 
 TEST(LogLines, KeepsCompleteLinesOnly) {
   const std::tuple<const char*, const char*, const char*, const char*> rows[] = {

@@ -86,8 +86,8 @@ TEST(SystemProxy, RunsTheToolsOfTheDesktopInOrderAndReports) {
                "，gsettings/kwriteconfig/xfconf 都没匹配），仅写入 env 文件"
                " (~/.config/corvana/proxy.sh + ~/.config/environment.d/99-corvana.conf)。"
                " 已运行的浏览器需重启或手动设置代理 127.0.0.1:7890 才能生效。\n"
-               "[Corvana] 桌面 backend 不可用，仅清理 env 文件 " +
-               de + ")\n";
+               "[Corvana] 桌面 backend 不可用，仅清理 env 文件 (DE=" +
+               desktop.name + ")\n";
     }
     testing::internal::CaptureStdout();
     apply_system_proxy(7890, 1080);
