@@ -37,12 +37,14 @@ static const char* const k_methods[] = {"checkVpnIsOpen",    "startVPN",      "s
 
 static std::string expected_reply(const std::string& method) {
   if (method == "getLastError") return " code:s message:s logTail:s";
-  if (method == "checkTaskComplete" || method == "getTaskResult")
+  if (method == "checkTaskComplete" || method == "getTaskResult") {
     return " isComplete:b taskResult:b vpnStatus:b";
-  if (method == "getDiagnostics")
+  }
+  if (method == "getDiagnostics") {
     return " desktop:s sessionType:s hasLibproxy:b hasTunDevice:b hasZantSystem:b helperActive:b"
            " hasGsettings:b hasKwriteconfig:b appDir:s activeCore:s corePath:s coreExists:b"
            " runtimeLogPath:s";
+  }
   return "b";
 }
 
