@@ -4,7 +4,7 @@ target_compile_options(corvana_warnings INTERFACE
   $<$<CXX_COMPILER_ID:Clang>:-Wreserved-identifier>
   $<$<CXX_COMPILER_ID:Clang>:-Wreserved-macro-identifier>)
 
-# What every release build is hardened with. A compiler's own _FORTIFY_SOURCE gives way to ours.
+# Hardening of every release build. Some compilers define _FORTIFY_SOURCE themselves, hence the -U.
 include(CheckPIESupported)
 check_pie_supported(LANGUAGES CXX)
 set(CMAKE_POSITION_INDEPENDENT_CODE ON)
@@ -15,7 +15,7 @@ add_link_options("$<${optimized}:LINKER:-z,relro;LINKER:-z,now>")
 if(CORVANA_SANITIZER)
   add_compile_options(-fsanitize=${CORVANA_SANITIZER} -fno-omit-frame-pointer)
   add_link_options(-fsanitize=${CORVANA_SANITIZER})
-  # What a sanitizer adds to the code makes g++ see uninitialized variables where there are none.
+  # In code with a sanitizer g++ warns of uninitialized variables where there are none.
   if(CMAKE_CXX_COMPILER_ID STREQUAL GNU)
     target_compile_options(corvana_warnings INTERFACE -Wno-maybe-uninitialized)
   endif()
@@ -24,7 +24,7 @@ if(CORVANA_SANITIZER)
   endif()
 endif()
 
-# Fuzzers steer by which code an input has reached, in the libraries too.
+# The fuzzers need the coverage of the libraries too.
 if(CORVANA_FUZZERS)
   add_compile_options(-fsanitize=fuzzer-no-link)
 endif()

@@ -23,7 +23,7 @@ void close_gently(const Client& client) {
 
 GSocketConnection* connect_direct(const Endpoint& target, GError** error) {
   g_autoptr(GSocketClient) connector = g_socket_client_new();
-  // The desktop's proxy settings point at this very core.
+  // GIO would use the desktop's proxy, which is this core.
   g_socket_client_set_enable_proxy(connector, FALSE);
   g_socket_client_set_timeout(connector, k_connect_timeout_seconds);
   g_autoptr(GSocketConnectable) address = g_network_address_new(target.host.c_str(), target.port);

@@ -50,8 +50,8 @@ static bool parse_header(const std::string& line, HttpRequest* request) {
   return true;
 }
 
-// Strict about line ends and blanks: what this reads differently from the next server would let one
-// request hide inside another.
+// Strict about line ends and blanks: where two servers read a head differently, one request can be
+// smuggled inside another.
 static std::optional<HttpRequest> parse_head(const std::string& head) {
   HttpRequest request;
   for (size_t start = 0; start < head.size();) {

@@ -27,8 +27,8 @@ struct Relay {
   guint silence_check = 0;
 };
 
-// Held while a relay goes from a worker to the main loop, to which it then belongs. GLib's own
-// locks would do, but the thread sanitizer can't see them.
+// Held while a worker hands a relay to the main loop, which owns it from then on. GLib's own locks
+// would be enough, but the thread sanitizer can't see them.
 static std::mutex g_handover_mutex;
 
 static Relay* relay_new(const Client& client, GSocketConnection* upstream, const std::string& label,
@@ -49,7 +49,7 @@ static int descriptor_of(GSocketConnection* connection) {
   return g_socket_get_fd(g_socket_connection_get_socket(connection));
 }
 
-// A receiver that saw an orderly end would take half an answer for a whole one.
+// After an orderly end the receiver would take half an answer for a whole one.
 static void reset_when_closed(GSocketConnection* connection) {
   const linger at_once = {1, 0};
   setsockopt(descriptor_of(connection), SOL_SOCKET, SO_LINGER, &at_once, sizeof at_once);
@@ -63,7 +63,7 @@ static void break_off(Relay* relay, const char* reason) {
   g_cancellable_cancel(relay->stop);
 }
 
-// A sender whose receiver takes its time can't be blamed.
+// Not while bytes wait for the receiver: then the sender has to wait too.
 static bool has_been_silent(GSocketConnection* sender, GSocketConnection* receiver) {
   int unsent_bytes = 0;
   tcp_info info = {};
@@ -81,8 +81,8 @@ static gboolean end_if_silent(gpointer user_data) {
   return G_SOURCE_CONTINUE;
 }
 
-// The direction that ends last takes the relay with it. The other may have much to say yet; but if
-// its receiver has gone, only the silence tells.
+// The direction that ends last frees the relay. The other one may go on for long; that its receiver
+// has gone shows only by its silence.
 static void end_direction(Relay* relay, const GError* error, GSocketConnection* receiver) {
   if (error == nullptr) {
     g_socket_shutdown(g_socket_connection_get_socket(receiver), FALSE, TRUE, nullptr);
@@ -156,7 +156,7 @@ static gboolean begin_relay(gpointer user_data) {
   return G_SOURCE_REMOVE;
 }
 
-// Splicing out of the buffer itself would take a thread per tunnel: it can't be polled.
+// The buffer can't be polled, so that splicing from it would take a thread for each tunnel.
 static bool send_read_ahead(GBufferedInputStream* input, GSocketConnection* upstream) {
   gsize count = 0;
   const void* bytes = g_buffered_input_stream_peek_buffer(input, &count);

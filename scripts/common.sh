@@ -110,7 +110,7 @@ preset_build_dir() {
   if [[ $1 == release ]]; then echo "$root/build"; else echo "$root/build-$1"; fi
 }
 
-# Keeps others away from the preset's build folder until this script and what it has become have ended.
+# Locks the preset's build folder until this script, or the program that it executes in its place, has ended.
 hold_build() {
   local folder
   folder=$(preset_build_dir "$1")

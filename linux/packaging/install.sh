@@ -121,7 +121,7 @@ require_bundle() {
   [[ -x $bundle/Corvana ]] || fail "$bundle/Corvana 不可执行" "$bundle/Corvana is not executable"
 }
 
-# The next run would take the installation for a part of the bundle.
+# The next run would install the installation as a part of the bundle.
 require_place_outside_bundle() {
   [[ $prefix != "$bundle"/* ]] || fail "安装位置不能在程序目录 $bundle 里面；请用 --prefix 另选位置" \
     "the prefix can't be inside the program's folder $bundle; choose another one with --prefix"
@@ -268,7 +268,7 @@ refuse_while_running() {
     "the program is running (process ${processes% }); close it first, or add --force"
 }
 
-# Never outside the prefix, whatever has become of the record.
+# Nothing outside the prefix is removed, whatever the record says.
 remove_recorded() {
   local path
   while read -r path; do
