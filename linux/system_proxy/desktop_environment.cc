@@ -1,7 +1,7 @@
 #include "system_proxy/desktop_environment.h"
 
-#include <algorithm>
-#include <cctype>
+#include <glib.h>
+
 #include <cstdlib>
 
 #include "support/shell_command.h"
@@ -43,9 +43,8 @@ static std::string environment_value(const char* name) {
 }
 
 std::string desktop_from_session_name(const std::string& session_name) {
-  std::string lower = session_name;
-  std::transform(lower.begin(), lower.end(), lower.begin(),
-                 [](unsigned char byte) { return static_cast<char>(std::tolower(byte)); });
+  // Not std::tolower, which depends on the locale.
+  g_autofree gchar* lower = g_ascii_strdown(session_name.c_str(), -1);
   return first_match(k_session_tokens, lower);
 }
 
