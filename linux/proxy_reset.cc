@@ -2,6 +2,7 @@
 // killed session has left without a core.
 #include <glib.h>
 
+#include <optional>
 #include <string>
 
 #include "core/core_process.h"
@@ -12,35 +13,33 @@
 #include "system_proxy/proxy_env_files.h"
 #include "system_proxy/system_proxy.h"
 
-static bool parse_arguments(int argc, char** argv, bool& wants_version, std::string& complaint) {
-  gboolean version = FALSE;
+// The status to end with at once; nothing when there are no arguments.
+static std::optional<int> handle_arguments(int argc, char** argv) {
+  gboolean wants_version = FALSE;
   const GOptionEntry entries[] = {
-      {"version", 0, 0, G_OPTION_ARG_NONE, &version, "Print the version and end", nullptr}, {}};
+      {"version", 0, 0, G_OPTION_ARG_NONE, &wants_version, "Print the version and end", nullptr},
+      {}};
   g_autoptr(GOptionContext) context = g_option_context_new("- take back a proxy without a core");
   g_option_context_add_main_entries(context, entries, nullptr);
   g_autoptr(GError) error = nullptr;
   if (!g_option_context_parse(context, &argc, &argv, &error)) {
-    complaint = error->message;
-  } else if (argc > 1) {
-    complaint = std::string("Unexpected argument ") + argv[1];
+    print_error_line(error->message);
+    return 2;
   }
-  wants_version = version;
-  return complaint.empty();
+  if (argc > 1) {
+    print_error_line(std::string("Unexpected argument ") + argv[1]);
+    return 2;
+  }
+  if (!wants_version) return std::nullopt;
+  print_line("corvana-proxy-reset " CORVANA_VERSION);
+  return 0;
 }
 
 int main(int argc, char** argv) {
   keep_standard_streams_open();
   prepare_signals();
-  bool wants_version = false;
-  std::string complaint;
-  if (!parse_arguments(argc, argv, wants_version, complaint)) {
-    print_error_line(complaint);
-    return 2;
-  }
-  if (wants_version) {
-    print_line("corvana-proxy-reset " CORVANA_VERSION);
-    return 0;
-  }
+  const auto status = handle_arguments(argc, argv);
+  if (status) return *status;
   // With the limits of leaving no tool that hangs holds the login up.
   begin_leaving();
   run_guarded([] {
