@@ -9,6 +9,20 @@ bool send_bytes(GSocketConnection* connection, const std::string& bytes) {
   return g_output_stream_write_all(output, bytes.data(), bytes.size(), nullptr, nullptr, nullptr);
 }
 
+std::optional<std::string> read_bytes(const Client& client, gsize count) {
+  std::string bytes(count, '\0');
+  gsize got = 0;
+  g_input_stream_read_all(G_INPUT_STREAM(client.input), bytes.data(), count, &got, nullptr,
+                          nullptr);
+  if (got < count) return std::nullopt;
+  return bytes;
+}
+
+uint16_t port_in(const std::string& two_bytes) {
+  return static_cast<uint16_t>(static_cast<guchar>(two_bytes.at(0)) << 8 |
+                               static_cast<guchar>(two_bytes.at(1)));
+}
+
 void close_gently(const Client& client) {
   GSocket* socket = g_socket_connection_get_socket(client.connection);
   g_socket_shutdown(socket, FALSE, TRUE, nullptr);

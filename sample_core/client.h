@@ -3,6 +3,7 @@
 
 #include <gio/gio.h>
 
+#include <optional>
 #include <string>
 
 #include "endpoint.h"
@@ -19,6 +20,12 @@ struct Client {
 
 // Writes all of `bytes`; false when the other side is gone or takes nothing for too long.
 bool send_bytes(GSocketConnection* connection, const std::string& bytes);
+
+// The next `count` bytes that the client sends; nothing when it leaves before, or is silent too long.
+std::optional<std::string> read_bytes(const Client& client, gsize count);
+
+// The port in two bytes, the higher one first, as SOCKS sends it.
+uint16_t port_in(const std::string& two_bytes);
 
 // Ends the client's connection after a last answer. Waits a moment for what the client still sends,
 // since closing with unread data makes the kernel throw that answer away.

@@ -22,11 +22,17 @@ static bool is_connection_header(const std::string& name) {
                      [&](const char* header) { return is_same_name(name, header); });
 }
 
+static bool has_header(const HttpRequest& request, const char* name) {
+  return std::any_of(request.headers.begin(), request.headers.end(),
+                     [&](const auto& header) { return is_same_name(header.first, name); });
+}
+
 static bool has_body(const HttpRequest& request) {
-  return std::any_of(request.headers.begin(), request.headers.end(), [](const auto& header) {
-    return is_same_name(header.first, "Content-Length") ||
-           is_same_name(header.first, "Transfer-Encoding");
-  });
+  return has_header(request, "Content-Length") || has_header(request, "Transfer-Encoding");
+}
+
+static bool opens_web_socket(const HttpRequest& request) {
+  return has_header(request, "Upgrade") && has_header(request, "Sec-WebSocket-Key");
 }
 
 struct Destination {
@@ -36,10 +42,11 @@ struct Destination {
 };
 
 static std::optional<Destination> parse_absolute_form(const std::string& target) {
-  static const std::string scheme = "http://";
-  if (g_ascii_strncasecmp(target.c_str(), scheme.c_str(), scheme.size()) != 0) return std::nullopt;
-  const size_t path_start = std::min(target.find_first_of("/?#", scheme.size()), target.size());
-  std::string authority = target.substr(scheme.size(), path_start - scheme.size());
+  const size_t scheme_size = target.find("://") + 3;
+  const std::string scheme = target.substr(0, scheme_size);
+  if (!is_same_name(scheme, "http://") && !is_same_name(scheme, "ws://")) return std::nullopt;
+  const size_t path_start = std::min(target.find_first_of("/?#", scheme_size), target.size());
+  std::string authority = target.substr(scheme_size, path_start - scheme_size);
   authority.erase(0, authority.rfind('@') + 1);  // npos + 1 is 0
 
   const std::optional<Endpoint> server = parse_endpoint(authority, 80);
@@ -49,7 +56,7 @@ static std::optional<Destination> parse_absolute_form(const std::string& target)
 }
 
 // The server is told to close after its answer, because what the client sends next may be meant for
-// another server. The version stays the client's own: it gets the answer untouched and must be able
+// another server; only behind the request for a web socket that can't be. The version stays the client's own: it gets the answer untouched and must be able
 // to read it.
 static std::string origin_request_head(const HttpRequest& request, const Destination& destination) {
   std::string head = request.method + " " + destination.path + " " + request.version +
@@ -58,7 +65,9 @@ static std::string origin_request_head(const HttpRequest& request, const Destina
     if (is_connection_header(name) || is_same_name(name, "Host")) continue;
     head.append(name).append(": ").append(value).append("\r\n");
   }
-  return head + "Connection: close\r\n\r\n";
+  const bool upgrades = opens_web_socket(request);
+  return head + (upgrades ? "Upgrade: websocket\r\nConnection: Upgrade" : "Connection: close") +
+         "\r\n\r\n";
 }
 
 static GSocketConnection* connect_or_refuse(const Client& client, const Endpoint& server,
@@ -75,7 +84,8 @@ static GSocketConnection* connect_or_refuse(const Client& client, const Endpoint
 
 static void refuse_target(const Client& client, const HttpRequest& request) {
   log_event("http " + request.method + " refused: bad target");
-  send_http_error(client, "400 Bad Request", "the target must be host:port or an http:// address");
+  send_http_error(client, "400 Bad Request",
+                  "the target must be host:port or an http:// or ws:// address");
 }
 
 static void serve_connect(const Client& client, const HttpRequest& request) {
@@ -98,7 +108,8 @@ static void serve_absolute_form(const Client& client, const HttpRequest& request
     return send_http_error(client, "502 Bad Gateway", "the server takes no data");
   }
   // A server that doesn't close after all must not get requests that are meant for another one.
-  start_relay(client, upstream, label, has_body(request) ? Upload::passed_on : Upload::discarded);
+  const bool passes_on = has_body(request) || opens_web_socket(request);
+  start_relay(client, upstream, label, passes_on ? Upload::passed_on : Upload::discarded);
 }
 
 void serve_http_proxy(const Client& client) {

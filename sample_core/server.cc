@@ -9,6 +9,7 @@
 #include "client.h"
 #include "http_proxy.h"
 #include "log.h"
+#include "socks4.h"
 #include "socks5.h"
 
 static const guint k_handshake_timeout_seconds = 30;
@@ -26,9 +27,10 @@ static void serve_mixed(const Client& client) {
   gsize count = 0;
   const void* bytes = g_buffered_input_stream_peek_buffer(client.input, &count);
   const char first = *static_cast<const char*>(bytes);
+  if (first == 4) return serve_socks4(client);
   if (first == 5) return serve_socks5(client);
   if (g_ascii_isalpha(first)) return serve_http_proxy(client);
-  log_event("client refused: it speaks neither HTTP nor SOCKS5");
+  log_event("client refused: it speaks neither HTTP nor SOCKS");
   close_gently(client);
 }
 

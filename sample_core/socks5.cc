@@ -1,7 +1,5 @@
 #include "socks5.h"
 
-#include <optional>
-
 #include "log.h"
 #include "relay.h"
 
@@ -33,15 +31,6 @@ static const struct {
     {G_IO_ERROR_HOST_UNREACHABLE, reply_host_unreachable},
     {G_IO_ERROR_TIMED_OUT, reply_host_unreachable},
 };
-
-static std::optional<std::string> read_bytes(const Client& client, gsize count) {
-  std::string bytes(count, '\0');
-  gsize got = 0;
-  g_input_stream_read_all(G_INPUT_STREAM(client.input), bytes.data(), count, &got, nullptr,
-                          nullptr);
-  if (got < count) return std::nullopt;
-  return bytes;
-}
 
 // The address that the upstream socket is bound to stays zero: only clients that ask for BIND use
 // it.
@@ -98,12 +87,12 @@ static std::optional<Endpoint> receive_target(const Client& client) {
     refuse(client, reply_command_unsupported, "socks5 refused: only CONNECT is supported");
     return std::nullopt;
   }
-  const int port_number = static_cast<guchar>(port->at(0)) << 8 | static_cast<guchar>(port->at(1));
+  const uint16_t port_number = port_in(*port);
   if (!is_valid_host(*host) || port_number == 0) {
     refuse(client, reply_failed, "socks5 refused: bad target");
     return std::nullopt;
   }
-  return Endpoint{*host, static_cast<uint16_t>(port_number)};
+  return Endpoint{*host, port_number};
 }
 
 static Reply reply_for(const GError* error) {

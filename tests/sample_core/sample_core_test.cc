@@ -5,6 +5,7 @@
 
 #include <csignal>
 #include <cstdio>
+#include <future>
 
 #include "support/temporary_home.h"
 
@@ -44,17 +45,45 @@ class SampleCore : public testing::Test {
   GSubprocess* core_ = nullptr;
 };
 
-TEST_F(SampleCore, SaysItsVersion) {
-  EXPECT_EQ(run("curl -sS " + clash_ + "/version"),
-            R"(0 {"version":"1.0.0","meta":false,"premium":false})");
+TEST_F(SampleCore, ServesEachKindOfProxyClient) {
+  const std::string proxy = " 127.0.0.1:" + mixed_port_;
+  for (const std::string kind : {"--proxy", "--proxytunnel --proxy", "--socks4", "--socks4a",
+                                 "--socks5", "--socks5-hostname"}) {
+    EXPECT_EQ(run("curl -sS " + kind + proxy + " http://localhost" + clash_.substr(9) + "/version"),
+              R"(0 {"version":"1.0.0","meta":false,"premium":false})")
+        << kind;
+    EXPECT_NE(run("curl -sS " + kind + proxy + " --fail http://127.0.0.1:1")[0], '0') << kind;
+  }
 }
 
-TEST_F(SampleCore, PassesOnWhatIsSentAheadOfItsAnswer) {
-  const std::string requests =
-      "CONNECT " + clash_ + R"( HTTP/1.1\r\n\r\nGET /version HTTP/1.0\r\n\r\n)";
-  const std::string replies = run("timeout 20 bash -c 'exec 3<>/dev/tcp/127.0.0.1/" + mixed_port_ +
-                                  "; printf \"" + requests + "\" >&3; cat <&3'");
-  EXPECT_NE(replies.find("1.0.0"), std::string::npos) << replies;
+TEST_F(SampleCore, PassesOnWhatIsSentAheadOfTheAnswer) {
+  g_autoptr(GSocketListener) listener = g_socket_listener_new();
+  const guint port = g_socket_listener_add_any_inet_port(listener, nullptr, nullptr);
+  const std::string server = "127.0.0.1:" + std::to_string(port);
+  const std::string socket_headers =
+      R"(Upgrade: websocket\r\nConnection: Upgrade\r\nSec-WebSocket-Key: k\r\n\r\nframe)";
+  const std::string rows[][2] = {
+      {"CONNECT " + server + R"( HTTP/1.1\r\n\r\nframe)", "frame"},
+      {"GET ws://" + server + R"(/chat HTTP/1.1\r\n)" + socket_headers,
+       "GET /chat HTTP/1.1\r\nHost: " + server +
+           "\r\nSec-WebSocket-Key: k\r\nUpgrade: websocket\r\nConnection: Upgrade\r\n\r\nframe"},
+  };
+  for (const auto& [request, expected] : rows) {
+    auto reply = std::async(std::launch::async, run,
+                            "timeout 20 bash -c 'exec 3<>/dev/tcp/127.0.0.1/" + mixed_port_ +
+                                "; printf \"" + request + "\" >&3; cat <&3'");
+    g_autoptr(GSocketConnection) peer =
+        g_socket_listener_accept(listener, nullptr, nullptr, nullptr);
+    g_socket_set_timeout(g_socket_connection_get_socket(peer), 10);
+    std::string received(expected.size(), '\0');
+    g_input_stream_read_all(g_io_stream_get_input_stream(G_IO_STREAM(peer)), received.data(),
+                            received.size(), nullptr, nullptr, nullptr);
+    EXPECT_EQ(received, expected);
+    g_output_stream_write_all(g_io_stream_get_output_stream(G_IO_STREAM(peer)), "answer", 6,
+                              nullptr, nullptr, nullptr);
+    g_io_stream_close(G_IO_STREAM(peer), nullptr, nullptr);
+    EXPECT_NE(reply.get().find("answer"), std::string::npos) << request;
+  }
 }
 
 TEST_F(SampleCore, EndsWithOneLineOnABadCommandLine) {
