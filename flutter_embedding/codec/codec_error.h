@@ -9,7 +9,6 @@ enum CodecError {
   CODEC_ERROR_UNKNOWN_TYPE,     // no such type byte or envelope
   CODEC_ERROR_UNEXPECTED_TYPE,  // a well-formed value where one of another type belongs
   CODEC_ERROR_TRAILING_BYTES,   // more bytes after the end of the value
-  CODEC_ERROR_NOT_UTF8,
   CODEC_ERROR_ZERO_IN_NAME,
   CODEC_ERROR_TOO_DEEP,
   CODEC_ERROR_TOO_LARGE,  // a size that doesn't fit into four bytes

@@ -96,9 +96,6 @@ ValueRef read_text(MessageReader& reader, GError** error) {
     return nullptr;
   }
   std::string text(reinterpret_cast<const char*>(reader.bytes) + reader.position, size);
-  if (!is_utf8(text.data(), text.size())) {
-    return fail(reader, CODEC_ERROR_NOT_UTF8, "The text is not UTF-8", error);
-  }
   reader.position += size;
   return value_new(std::move(text));
 }

@@ -98,12 +98,7 @@ struct ValueWriter {
     return true;
   }
 
-  // The other side would throw the whole message away: better to fail where the text comes from.
   bool operator()(const std::string& text) {
-    if (!is_utf8(text.data(), text.size())) {
-      g_set_error(error, codec_error_quark(), CODEC_ERROR_NOT_UTF8, "A text is not UTF-8");
-      return false;
-    }
     put_type(WireType::string);
     if (!put_size(text.size())) {
       return false;

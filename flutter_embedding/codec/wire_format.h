@@ -3,7 +3,6 @@
 #ifndef CORVANA_FLUTTER_EMBEDDING_CODEC_WIRE_FORMAT_H_
 #define CORVANA_FLUTTER_EMBEDDING_CODEC_WIRE_FORMAT_H_
 
-#include <cstddef>
 #include <cstdint>
 
 enum class WireType : uint8_t {
@@ -30,8 +29,5 @@ constexpr uint8_t k_four_byte_size_mark = 255;
 // Values are read, written and released recursively: a message of nothing but list openings must
 // not use up the stack.
 constexpr int k_deepest_nesting = 128;
-
-// Any thread. Unlike g_utf8_validate it lets zero bytes pass, which are legal characters.
-bool is_utf8(const char* text, size_t size);
 
 #endif  // CORVANA_FLUTTER_EMBEDDING_CODEC_WIRE_FORMAT_H_

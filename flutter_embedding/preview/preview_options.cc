@@ -82,7 +82,7 @@ std::string find_bad_value(const RawOptions& raw) {
   return {};
 }
 
-// The host may run the core from another directory, and the channel carries UTF-8 only.
+// The host may run the core from another directory, and the path's field shows UTF-8 only.
 std::string absolute_utf8(const char* path) {
   g_autofree char* absolute = g_canonicalize_filename(path, nullptr);
   g_autofree char* utf8 = g_filename_display_name(absolute);

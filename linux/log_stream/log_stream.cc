@@ -27,18 +27,9 @@ static int64_t g_log_file_pos = 0;
 static std::string g_log_line_buf;  // the start of a line whose line feed hasn't arrived yet
 static guint g_log_timer_id = 0;
 
-// Overlong forms and surrogates have the shape of UTF-8, but the channel can't carry them, and
-// the whole event would be lost.
-static FlValue* new_text_event(const std::string& text) {
-  const auto size = static_cast<gssize>(text.size());
-  if (g_utf8_validate(text.data(), size, nullptr)) return fl_value_new_string(text.c_str());
-  g_autofree gchar* valid = g_utf8_make_valid(text.data(), size);
-  return fl_value_new_string(valid);
-}
-
 static void send_event(const std::string& text) {
   if (g_log_event_channel == nullptr) return;
-  g_autoptr(FlValue) event = new_text_event(text);
+  g_autoptr(FlValue) event = fl_value_new_string(text.c_str());
   fl_event_channel_send(g_log_event_channel, event, nullptr, nullptr);
 }
 

@@ -60,14 +60,18 @@ class Channel : public testing::Test {
 };
 
 TEST_F(Channel, EveryKindOfAnswerArrivesLater) {
-  g_autoptr(FlValue) broken = fl_value_new_string("\xff");
+  g_autoptr(FlValue) deep = fl_value_new_list();
+  for (int depth = 0; depth < 200; ++depth) {
+    FlValue* inner = std::exchange(deep, fl_value_new_list());
+    fl_value_append_take(deep, inner);
+  }
   g_autoptr(FlValue) args = fl_value_new_list();
   int second_answer = -1;
   handle([&](FlMethodCall* call) {
     const std::string name = fl_method_call_get_name(call);
     if (name == "fail") respond(call, fl_method_error_response_new("c", "m", nullptr));
     if (name != "echo") return;
-    EXPECT_NE(respond(call, fl_method_success_response_new(broken)), -1);
+    EXPECT_NE(respond(call, fl_method_success_response_new(deep)), -1);
     EXPECT_EQ(respond(call, fl_method_success_response_new(fl_method_call_get_args(call))), -1);
     second_answer = respond(call, fl_method_not_implemented_response_new());
   });
@@ -75,7 +79,7 @@ TEST_F(Channel, EveryKindOfAnswerArrivesLater) {
       {"echo", args, "[]"},
       {"fail", nullptr, "c: m"},
       {"forgotten", nullptr, "not implemented"},
-      {"echo", broken, "codec: A text is not UTF-8"}};
+      {"echo", deep, "codec: The value is nested deeper than 128 levels"}};
   for (const auto& [method, sent, expected] : rows) {
     const auto reply = invoke(method, sent);
     EXPECT_EQ(*reply, "none");

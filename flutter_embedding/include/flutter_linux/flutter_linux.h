@@ -37,7 +37,8 @@ typedef enum {
 
 typedef struct _FlValue FlValue;
 
-// Makers. Lengths count elements, that of a sized string counts bytes. Text is UTF-8.
+// Makers. Lengths count elements, that of a sized string counts bytes. Text is meant
+// to be UTF-8, but its bytes are carried as they are.
 FlValue* fl_value_new_null(void);
 FlValue* fl_value_new_bool(bool value);
 FlValue* fl_value_new_int(int64_t value);
@@ -175,7 +176,7 @@ struct _FlMethodCodecClass {
 G_DECLARE_FINAL_TYPE(FlStandardMethodCodec, fl_standard_method_codec, FL, STANDARD_METHOD_CODEC,
                      FlMethodCodec)
 
-// Text that is not UTF-8 and values nested deeper than 128 levels can be neither read nor written.
+// Values nested deeper than 128 levels can be neither read nor written.
 FlStandardMethodCodec* fl_standard_method_codec_new(void);
 
 // A call that waits for its answer. When its last reference goes unanswered, the caller learns
