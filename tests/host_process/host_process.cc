@@ -6,7 +6,6 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
-#include <cstdio>
 #include <filesystem>
 #include <memory>
 #include <thread>
@@ -72,14 +71,6 @@ std::string ChildProcess::still_running() const {
     return processes.empty();
   });
   return processes;
-}
-
-std::string output_of(const std::string& command) {
-  const std::unique_ptr<FILE, int (*)(FILE*)> pipe(popen(command.c_str(), "re"), pclose);
-  std::string text;
-  char chunk[4096];
-  while (const size_t count = fread(chunk, 1, sizeof chunk, pipe.get())) text.append(chunk, count);
-  return text;
 }
 
 bool does_core_run() { return !output_of(k_living + std::string("-f '[z]ant'")).empty(); }

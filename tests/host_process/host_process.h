@@ -41,9 +41,6 @@ class ChildProcess {
   std::string console_path_;
 };
 
-// What the command prints on standard output, through the shell.
-std::string output_of(const std::string& command);
-
 bool does_core_run();
 
 // What a window manager does when somebody presses the close button of the only window.

@@ -4,7 +4,6 @@
 
 #include <filesystem>
 #include <fstream>
-#include <sstream>
 
 #include "core/core_paths.h"
 #include "flutter_embedding/ui_channel.h"
@@ -89,28 +88,4 @@ TEST_F(LogStream, ListeningTwiceAndCancellingStartOver) {
   run_main_loop_until([] { return false; }, 50ms);
   append("2\n");
   EXPECT_EQ(next_events(1, 600ms), Events());
-}
-
-// Numbered lines in a log that begins anew again and again: each arrives once, in order.
-TEST_F(LogStream, LosesAndRepeatsNothingInTheLongRun) {
-  const bool is_long = std::getenv("CORVANA_LONG_TESTS") != nullptr;
-  const size_t bytes_per_file = is_long ? 2 * 1024 * 1024 : 192 * 1024;
-  const std::string padding(100, '.');
-  size_t written = 0, received = 0;
-  ui_listen(client_.messenger(), k_channel, [&](FlValue* event) {
-    std::istringstream lines(fl_value_get_string(event));
-    for (std::string line; std::getline(lines, line);) {
-      if (line == "__clear__") continue;
-      ASSERT_EQ(line, std::to_string(received) + padding);
-      ++received;
-    }
-  });
-  for (int restarts = is_long ? 100 : 2; restarts > 0; --restarts) {
-    write_file(log_, "");
-    run_main_loop_until([] { return false; }, 300ms);  // long enough for a tick to see it shrink
-    for (size_t bytes = 0; bytes < bytes_per_file; bytes += padding.size() + 8) {
-      append(std::to_string(written++) + padding + "\n");
-    }
-    ASSERT_TRUE(run_main_loop_until([&] { return received == written; }, 60s)) << received;
-  }
 }

@@ -1,21 +1,11 @@
 // The real executable, with curl as its client.
 #include <gio/gio.h>
 #include <gtest/gtest.h>
-#include <sys/wait.h>
 
 #include <csignal>
-#include <cstdio>
 #include <future>
 
 #include "support/temporary_home.h"
-
-// Gives the shell command's exit status in decimal, a blank and its output.
-static std::string run(const std::string& command) {
-  FILE* pipe = popen(command.c_str(), "r");
-  std::string output;
-  for (int c = fgetc(pipe); c != EOF; c = fgetc(pipe)) output += static_cast<char>(c);
-  return std::to_string(WEXITSTATUS(pclose(pipe))) + " " + output;
-}
 
 static std::string free_port() {
   g_autoptr(GSocketListener) listener = g_socket_listener_new();
@@ -30,7 +20,7 @@ class SampleCore : public testing::Test {
                                 mixed_port_ + "}]}");
     core_ = g_subprocess_new(G_SUBPROCESS_FLAGS_STDOUT_SILENCE, nullptr, SAMPLE_CORE_PATH, "run",
                              "-c", "core.json", "-D", home_.bin().c_str(), nullptr);
-    for (int i = 0; i < 200 && run("curl -s " + clash_)[0] != '0'; ++i) g_usleep(50'000);
+    for (int i = 0; i < 200 && output_of("curl -s " + clash_).empty(); ++i) g_usleep(50'000);
   }
   ~SampleCore() override {
     g_subprocess_send_signal(core_, SIGTERM);
@@ -41,18 +31,22 @@ class SampleCore : public testing::Test {
 
   TemporaryHome home_;
   const std::string mixed_port_ = free_port();
-  const std::string clash_ = "127.0.0.1:" + free_port();
+  const std::string clash_port_ = free_port();
+  const std::string clash_ = "127.0.0.1:" + clash_port_;
   GSubprocess* core_ = nullptr;
 };
 
 TEST_F(SampleCore, ServesEachKindOfProxyClient) {
-  const std::string proxy = " 127.0.0.1:" + mixed_port_;
-  for (const std::string kind : {"--proxy", "--proxytunnel --proxy", "--socks4", "--socks4a",
-                                 "--socks5", "--socks5-hostname"}) {
-    EXPECT_EQ(run("curl -sS " + kind + proxy + " http://localhost" + clash_.substr(9) + "/version"),
-              R"(0 {"version":"1.0.0","meta":false,"premium":false})")
+  const auto fetch = [this](const char* kind, const std::string& page) {
+    return output_of("curl -s --fail " + std::string(kind) + " 127.0.0.1:" + mixed_port_ +
+                     " http://localhost:" + page + " && echo");
+  };
+  for (const char* kind : {"--proxy", "--proxytunnel --proxy", "--socks4", "--socks4a", "--socks5",
+                           "--socks5-hostname"}) {
+    EXPECT_EQ(fetch(kind, clash_port_ + "/version"),
+              "{\"version\":\"1.0.0\",\"meta\":false,\"premium\":false}\n")
         << kind;
-    EXPECT_NE(run("curl -sS " + kind + proxy + " --fail http://127.0.0.1:1")[0], '0') << kind;
+    EXPECT_EQ(fetch(kind, "1"), "") << kind;
   }
 }
 
@@ -69,7 +63,7 @@ TEST_F(SampleCore, PassesOnWhatIsSentAheadOfTheAnswer) {
            "\r\nSec-WebSocket-Key: k\r\nUpgrade: websocket\r\nConnection: Upgrade\r\n\r\nframe"},
   };
   for (const auto& [request, expected] : rows) {
-    auto reply = std::async(std::launch::async, run,
+    auto reply = std::async(std::launch::async, output_of,
                             "timeout 20 bash -c 'exec 3<>/dev/tcp/127.0.0.1/" + mixed_port_ +
                                 "; printf \"" + request + "\" >&3; cat <&3'");
     g_autoptr(GSocketConnection) peer =
@@ -103,9 +97,10 @@ TEST_F(SampleCore, EndsWithOneLineOnABadCommandLine) {
   for (const auto& [arguments, file, text] : rows) {
     write_file("file", file);
     const std::string outcome =
-        run("timeout 20 '" SAMPLE_CORE_PATH "' " + arguments + " 2>&1 >/dev/null");
-    EXPECT_EQ(outcome.substr(0, 9), "1 error: ") << arguments;
-    EXPECT_EQ(lines_of(outcome).size(), 1u) << outcome;
+        output_of("timeout 20 '" SAMPLE_CORE_PATH "' " + arguments + " 2>&1 >/dev/null; echo $?");
+    EXPECT_EQ(outcome.find("error: "), 0u) << arguments;
+    EXPECT_EQ(lines_of(outcome).size(), 2u) << outcome;
+    EXPECT_EQ(lines_of(outcome).back(), "1") << arguments;
     EXPECT_NE(outcome.find(text), std::string::npos) << outcome;
   }
 }

@@ -4,8 +4,10 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <cstdio>
 #include <filesystem>
 #include <fstream>
+#include <memory>
 #include <sstream>
 
 namespace fs = std::filesystem;
@@ -51,6 +53,14 @@ void TemporaryHome::add_recorders(const std::vector<std::string>& names) const {
 
 std::vector<std::string> TemporaryHome::recorded_commands() const {
   return lines_of(read_file(path_ + "/commands"));
+}
+
+std::string output_of(const std::string& command) {
+  const std::unique_ptr<FILE, int (*)(FILE*)> pipe(popen(command.c_str(), "re"), pclose);
+  std::string text;
+  char chunk[4096];
+  while (const size_t count = fread(chunk, 1, sizeof chunk, pipe.get())) text.append(chunk, count);
+  return text;
 }
 
 std::string read_file(const std::string& path) {

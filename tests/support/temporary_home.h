@@ -32,6 +32,9 @@ class TemporaryHome {
 
 std::string read_file(const std::string& path);  // "" when there is none
 void write_file(const std::string& path, const std::string& text);
+// What the command prints on standard output, through the shell.
+std::string output_of(const std::string& command);
+
 std::vector<std::string> lines_of(const std::string& text);
 
 #endif
