@@ -7,4 +7,4 @@
 // goes, its messenger is closed, whoever else still holds that. Main thread only.
 FlEngine* fl_engine_new(FlDartProject* project);
 
-#endif  // CORVANA_FLUTTER_EMBEDDING_ENGINE_H_
+#endif

@@ -6,4 +6,4 @@
 // Runs the task and reports what it throws, which must not pass through GLib. Any thread.
 void run_guarded(const std::function<void()>& task) noexcept;
 
-#endif  // CORVANA_FLUTTER_EMBEDDING_GUARDED_H_
+#endif

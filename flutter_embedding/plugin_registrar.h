@@ -18,4 +18,4 @@ struct _FlPluginRegistryInterface {
 // messenger. Main thread only.
 FlPluginRegistrar* plugin_registrar_new(FlView* view, FlBinaryMessenger* messenger);
 
-#endif  // CORVANA_FLUTTER_EMBEDDING_PLUGIN_REGISTRAR_H_
+#endif

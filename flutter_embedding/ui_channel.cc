@@ -22,9 +22,7 @@ static UiReply reply_from(FlMethodResponse* response) {
     FlValue* result = method_success_response_get_result(FL_METHOD_SUCCESS_RESPONSE(response));
     return {UiReply::Kind::success, result, "", ""};
   }
-  if (FL_IS_METHOD_ERROR_RESPONSE(response)) {
-    return error_reply(FL_METHOD_ERROR_RESPONSE(response));
-  }
+  if (FL_IS_METHOD_ERROR_RESPONSE(response)) return error_reply(FL_METHOD_ERROR_RESPONSE(response));
   return {};
 }
 

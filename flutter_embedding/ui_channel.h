@@ -42,4 +42,4 @@ void ui_listen(FlBinaryMessenger* messenger, const char* channel,
 // Removes the receiver and calls "cancel".
 void ui_cancel(FlBinaryMessenger* messenger, const char* channel);
 
-#endif  // CORVANA_FLUTTER_EMBEDDING_UI_CHANNEL_H_
+#endif

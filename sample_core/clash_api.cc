@@ -6,7 +6,7 @@
 #include "log.h"
 #include "version.h"
 
-static const char* const k_content_type = "application/json";
+static constexpr char k_content_type[] = "application/json";
 
 void serve_clash_api(const Client& client) {
   const std::optional<HttpRequest> request = receive_http_request(client);

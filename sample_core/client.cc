@@ -1,8 +1,8 @@
 #include "client.h"
 
-static const guint k_connect_timeout_seconds = 10;
-static const guint k_linger_timeout_seconds = 2;
-static const gsize k_max_lingering_bytes = 1'000'000;
+static constexpr guint k_connect_timeout_seconds = 10;
+static constexpr guint k_linger_timeout_seconds = 2;
+static constexpr gsize k_max_lingering_bytes = 1'000'000;
 
 bool send_bytes(GSocketConnection* connection, const std::string& bytes) {
   GOutputStream* output = g_io_stream_get_output_stream(G_IO_STREAM(connection));

@@ -6,7 +6,7 @@
 
 using nlohmann::json;
 
-static const char* const k_loopback = "127.0.0.1";
+static constexpr char k_loopback[] = "127.0.0.1";
 
 static std::optional<json> read_json(const std::string& path, std::string* error) {
   g_autofree char* text = nullptr;

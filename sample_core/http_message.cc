@@ -5,8 +5,8 @@
 
 #include "log.h"
 
-static const std::string_view k_line_end = "\r\n";
-static const std::string_view k_head_end = "\r\n\r\n";
+static constexpr std::string_view k_line_end = "\r\n";
+static constexpr std::string_view k_head_end = "\r\n\r\n";
 
 enum class HeadOutcome { complete, too_large, client_left };
 

@@ -8,7 +8,7 @@
 
 // Headers that concern only the client's connection to this proxy. Transfer-Encoding is one in
 // theory, but the body passes through in the client's own framing.
-static const char* const k_connection_headers[] = {
+static constexpr const char* k_connection_headers[] = {
     "Connection", "Proxy-Connection", "Keep-Alive", "Proxy-Authenticate", "Proxy-Authorization",
     "TE",         "Upgrade",
 };

@@ -11,9 +11,9 @@
 
 #include "log.h"
 
-static const guint k_silence_check_seconds = 60;
-static const guint k_longest_silence_milliseconds = 300'000;
-static const gsize k_discarded_at_once = 65536;
+static constexpr guint k_silence_check_seconds = 60;
+static constexpr guint k_max_silence_milliseconds = 300'000;
+static constexpr gsize k_discarded_at_once = 65536;
 
 struct Relay {
   GSocketConnection* client;
@@ -70,7 +70,7 @@ static bool has_been_silent(GSocketConnection* sender, GSocketConnection* receiv
   socklen_t size = sizeof info;
   return ioctl(descriptor_of(receiver), SIOCOUTQ, &unsent_bytes) == 0 && unsent_bytes == 0 &&
          getsockopt(descriptor_of(sender), IPPROTO_TCP, TCP_INFO, &info, &size) == 0 &&
-         info.tcpi_last_data_recv > k_longest_silence_milliseconds;
+         info.tcpi_last_data_recv > k_max_silence_milliseconds;
 }
 
 static gboolean end_if_silent(gpointer user_data) {

@@ -12,11 +12,11 @@
 #include "socks4.h"
 #include "socks5.h"
 
-static const guint k_handshake_timeout_seconds = 30;
-static const int k_accept_backlog = 512;
-static const int k_no_thread_limit = -1;  // a slow client must not keep others waiting
+static constexpr guint k_handshake_timeout_seconds = 30;
+static constexpr int k_accept_backlog = 512;
+static constexpr int k_no_thread_limit = -1;  // a slow client must not keep others waiting
 
-static const rlim_t k_spare_descriptors = 32;
+static constexpr rlim_t k_spare_descriptors = 32;
 
 static rlim_t g_max_clients = 0;  // set before the first client comes
 static std::atomic<rlim_t> g_open_clients = 0;

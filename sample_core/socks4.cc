@@ -5,8 +5,8 @@
 
 enum Reply : char { reply_granted = 90, reply_rejected = 91 };
 
-static const char k_connect_command = 1;
-static const gsize k_max_text_size = 255;
+static constexpr char k_connect_command = 1;
+static constexpr gsize k_max_text_size = 255;
 
 // The address behind the code means something to BIND alone.
 static bool send_reply(const Client& client, Reply reply) {

@@ -13,16 +13,16 @@ enum Reply : char {
   reply_address_unsupported = 8,
 };
 
-static const char k_connect_command = 1;
+static constexpr char k_connect_command = 1;
 
-static const struct {
+static constexpr struct {
   char type;
   gsize size;
   GSocketFamily family;
 } k_ip_addresses[] = {{1, 4, G_SOCKET_FAMILY_IPV4}, {4, 16, G_SOCKET_FAMILY_IPV6}};
-static const char k_domain_address = 3;
+static constexpr char k_domain_address = 3;
 
-static const struct {
+static constexpr struct {
   GIOErrorEnum error;
   Reply reply;
 } k_error_replies[] = {

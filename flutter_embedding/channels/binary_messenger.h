@@ -39,4 +39,4 @@ void binary_messenger_set_message_handler(FlBinaryMessenger* messenger, const ch
 bool binary_messenger_send_message(FlBinaryMessenger* messenger, const char* channel,
                                    GBytes* message, GError** error);
 
-#endif  // CORVANA_FLUTTER_EMBEDDING_CHANNELS_BINARY_MESSENGER_H_
+#endif

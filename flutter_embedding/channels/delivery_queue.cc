@@ -6,15 +6,11 @@
 
 void DeliveryQueue::push(Delivery delivery) {
   pending_.push_back(std::move(delivery));
-  if (source_id_ == 0) {
-    wait_for_main_loop();
-  }
+  if (source_id_ == 0) wait_for_main_loop();
 }
 
 void DeliveryQueue::clear() {
-  if (source_id_ != 0) {
-    g_source_remove(std::exchange(source_id_, 0));
-  }
+  if (source_id_ != 0) g_source_remove(std::exchange(source_id_, 0));
   // What goes here may push again; that must find a queue in order.
   const std::deque<Delivery> dropped = std::exchange(pending_, {});
 }
@@ -30,9 +26,7 @@ gboolean DeliveryQueue::run_next(gpointer data) {
   queue->source_id_ = 0;
   // The next turn is asked for first: the delivery may run a main loop of its own, for a dialog,
   // and it may delete the queue.
-  if (!queue->pending_.empty()) {
-    queue->wait_for_main_loop();
-  }
+  if (!queue->pending_.empty()) queue->wait_for_main_loop();
   run_guarded(delivery);
   return G_SOURCE_REMOVE;
 }

@@ -33,4 +33,4 @@ class DeliveryQueue {
   guint source_id_ = 0;
 };
 
-#endif  // CORVANA_FLUTTER_EMBEDDING_CHANNELS_DELIVERY_QUEUE_H_
+#endif

@@ -50,15 +50,11 @@ void deliver_reply(Wire& wire, uint64_t message_id, GBytes* reply) {
   const auto found = wire.awaited_replies.find(message_id);
   const ReplyCallback on_reply = std::move(found->second);
   wire.awaited_replies.erase(found);
-  if (on_reply != nullptr) {
-    on_reply(reply);
-  }
+  if (on_reply != nullptr) on_reply(reply);
 }
 
 bool send_reply(Wire& wire, uint64_t message_id, GBytes* reply) {
-  if (!wire.open) {
-    return false;
-  }
+  if (!wire.open) return false;
   wire.queue.push([&wire, message_id, bytes = share_bytes(reply)] {
     deliver_reply(wire, message_id, bytes.get());
   });
@@ -90,9 +86,7 @@ G_DEFINE_FINAL_TYPE_WITH_CODE(FlEngineMessenger, fl_engine_messenger, G_TYPE_OBJ
 static void set_message_handler(FlBinaryMessenger* messenger, const char* channel,
                                 MessageHandler handler) {
   Wire& wire = *FL_ENGINE_MESSENGER(messenger)->wire;
-  if (wire.open) {
-    put_function(wire.handlers, channel, std::move(handler));
-  }
+  if (wire.open) put_function(wire.handlers, channel, std::move(handler));
 }
 
 static bool send_message(FlBinaryMessenger* messenger, const char* channel, GBytes* message,
@@ -104,9 +98,7 @@ static bool send_message(FlBinaryMessenger* messenger, const char* channel, GByt
     return false;
   }
   wire.queue.push([&wire, name = std::string(channel), bytes = share_bytes(message)] {
-    if (const auto receiver = find_function(wire.receivers, name)) {
-      (*receiver)(bytes.get());
-    }
+    if (const auto receiver = find_function(wire.receivers, name)) (*receiver)(bytes.get());
   });
   return true;
 }
@@ -147,9 +139,7 @@ void fl_engine_messenger_close(FlEngineMessenger* self) {
 void fl_engine_messenger_send_to_host(FlEngineMessenger* self, const char* channel, GBytes* message,
                                       ReplyCallback on_reply) {
   const std::shared_ptr<Wire>& wire = self->wire;
-  if (!wire->open) {
-    return;
-  }
+  if (!wire->open) return;
   const uint64_t id = ++wire->last_message_id;
   wire->awaited_replies.emplace(id, std::move(on_reply));
   wire->queue.push([weak_wire = std::weak_ptr<Wire>(wire), id, name = std::string(channel),
@@ -164,13 +154,9 @@ void fl_engine_messenger_send_to_host(FlEngineMessenger* self, const char* chann
 
 void fl_engine_messenger_set_receiver(FlEngineMessenger* self, const char* channel,
                                       MessageReceiver receiver) {
-  if (self->wire->open) {
-    put_function(self->wire->receivers, channel, std::move(receiver));
-  }
+  if (self->wire->open) put_function(self->wire->receivers, channel, std::move(receiver));
 }
 
 void fl_engine_messenger_run_later(FlEngineMessenger* self, std::function<void()> action) {
-  if (self->wire->open) {
-    self->wire->queue.push(std::move(action));
-  }
+  if (self->wire->open) self->wire->queue.push(std::move(action));
 }

@@ -33,4 +33,4 @@ void fl_engine_messenger_set_receiver(FlEngineMessenger* messenger, const char* 
 // Runs something of the user interface's in turn with the deliveries.
 void fl_engine_messenger_run_later(FlEngineMessenger* messenger, std::function<void()> action);
 
-#endif  // CORVANA_FLUTTER_EMBEDDING_CHANNELS_ENGINE_MESSENGER_H_
+#endif

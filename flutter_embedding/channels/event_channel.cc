@@ -58,12 +58,8 @@ FlMethodResponse* run_stream_handler(const StreamHandlers& handlers, FlEventChan
 FlMethodResponse* response_to(const StreamHandlers& handlers, FlMethodCall* call) {
   const char* name = fl_method_call_get_name(call);
   FlValue* args = fl_method_call_get_args(call);
-  if (g_str_equal(name, "listen")) {
-    return run_stream_handler(handlers, handlers.listen, args);
-  }
-  if (g_str_equal(name, "cancel")) {
-    return run_stream_handler(handlers, handlers.cancel, args);
-  }
+  if (g_str_equal(name, "listen")) return run_stream_handler(handlers, handlers.listen, args);
+  if (g_str_equal(name, "cancel")) return run_stream_handler(handlers, handlers.cancel, args);
   return FL_METHOD_RESPONSE(fl_method_not_implemented_response_new());
 }
 
@@ -71,9 +67,7 @@ void answer(const StreamHandlers& handlers, GBytes* message, std::unique_ptr<Pen
   FlEventChannel* channel = handlers.channel.get();
   g_autoptr(FlMethodCall) call =
       method_call_from_message(channel->codec, channel->name, message, std::move(reply));
-  if (call == nullptr) {
-    return;
-  }
+  if (call == nullptr) return;
   g_autoptr(FlMethodResponse) response = response_to(handlers, call);
   g_autoptr(GError) error = nullptr;
   if (!fl_method_call_respond(call, response, &error)) {
@@ -104,9 +98,7 @@ gboolean fl_event_channel_send(FlEventChannel* self, FlValue* event, GCancellabl
                                GError** error) {
   g_return_val_if_fail(FL_IS_EVENT_CHANNEL(self), FALSE);
   g_return_val_if_fail(event != nullptr, FALSE);
-  if (g_cancellable_set_error_if_cancelled(cancellable, error)) {
-    return FALSE;
-  }
+  if (g_cancellable_set_error_if_cancelled(cancellable, error)) return FALSE;
   g_autoptr(FlMethodSuccessResponse) response = fl_method_success_response_new(event);
   g_autoptr(GBytes) message =
       FL_METHOD_CODEC_GET_CLASS(self->codec)

@@ -64,9 +64,7 @@ gboolean fl_method_call_respond(FlMethodCall* self, FlMethodResponse* response, 
   }
   g_autoptr(GBytes) message =
       FL_METHOD_CODEC_GET_CLASS(self->codec)->encode_response(self->codec, response, error);
-  if (message == nullptr) {
-    return FALSE;
-  }
+  if (message == nullptr) return FALSE;
   if (!self->reply->send(message)) {
     g_set_error(error, messenger_error_quark(), MESSENGER_ERROR_CLOSED,
                 "The engine that called %s is gone", self->name);

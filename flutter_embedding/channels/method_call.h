@@ -12,4 +12,4 @@
 FlMethodCall* method_call_from_message(FlMethodCodec* codec, const char* channel, GBytes* message,
                                        std::unique_ptr<PendingReply> reply);
 
-#endif  // CORVANA_FLUTTER_EMBEDDING_CHANNELS_METHOD_CALL_H_
+#endif

@@ -14,4 +14,4 @@ const char* method_error_response_get_code(FlMethodErrorResponse* response);
 const char* method_error_response_get_message(FlMethodErrorResponse* response);
 FlValue* method_error_response_get_details(FlMethodErrorResponse* response);
 
-#endif  // CORVANA_FLUTTER_EMBEDDING_CHANNELS_METHOD_RESPONSE_H_
+#endif

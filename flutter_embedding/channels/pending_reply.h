@@ -17,9 +17,7 @@ class PendingReply {
   PendingReply(const PendingReply&) = delete;
   PendingReply& operator=(const PendingReply&) = delete;
   ~PendingReply() {
-    if (!used()) {
-      send(nullptr);
-    }
+    if (!used()) send(nullptr);
   }
 
   bool used() const { return send_ == nullptr; }
@@ -31,4 +29,4 @@ class PendingReply {
   Send send_;
 };
 
-#endif  // CORVANA_FLUTTER_EMBEDDING_CHANNELS_PENDING_REPLY_H_
+#endif

@@ -21,10 +21,8 @@ inline std::shared_ptr<GBytes> share_bytes(GBytes* bytes) {
 // Calls `destroy`, when there is one, with the last reference, also for null data.
 inline std::shared_ptr<void> share_user_data(gpointer user_data, GDestroyNotify destroy) {
   return {user_data, [destroy](gpointer data) {
-            if (destroy != nullptr) {
-              destroy(data);
-            }
+            if (destroy != nullptr) destroy(data);
           }};
 }
 
-#endif  // CORVANA_FLUTTER_EMBEDDING_CHANNELS_REFERENCES_H_
+#endif

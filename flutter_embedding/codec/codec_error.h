@@ -16,4 +16,4 @@ enum CodecError {
 
 GQuark codec_error_quark();
 
-#endif  // CORVANA_FLUTTER_EMBEDDING_CODEC_CODEC_ERROR_H_
+#endif

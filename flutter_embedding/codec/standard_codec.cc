@@ -44,9 +44,7 @@ GBytes* encode_error(FlMethodErrorResponse* response, GError** error) {
 
 FlMethodResponse* decode_success(MessageReader& reader, GError** error) {
   const ValueRef result = read_value(reader, error);
-  if (result == nullptr || !expect_end(reader, error)) {
-    return nullptr;
-  }
+  if (result == nullptr || !expect_end(reader, error)) return nullptr;
   return FL_METHOD_RESPONSE(fl_method_success_response_new(result.get()));
 }
 
@@ -54,9 +52,7 @@ FlMethodResponse* decode_error(MessageReader& reader, GError** error) {
   const ValueRef code = read_string(reader, error);
   const ValueRef text = code == nullptr ? nullptr : read_value(reader, error);
   const ValueRef details = text == nullptr ? nullptr : read_value(reader, error);
-  if (details == nullptr || !expect_end(reader, error)) {
-    return nullptr;
-  }
+  if (details == nullptr || !expect_end(reader, error)) return nullptr;
   const auto* message = std::get_if<std::string>(&text->content);
   return FL_METHOD_RESPONSE(
       fl_method_error_response_new(fl_value_get_string(code.get()),
@@ -85,9 +81,7 @@ GBytes* encode_value(const FlValue* value, GError** error) {
 ValueRef decode_value(GBytes* message, GError** error) {
   MessageReader reader = reader_of(message);
   ValueRef value = read_value(reader, error);
-  if (value == nullptr || !expect_end(reader, error)) {
-    return nullptr;
-  }
+  if (value == nullptr || !expect_end(reader, error)) return nullptr;
   return value;
 }
 
@@ -102,9 +96,7 @@ bool decode_method_call(GBytes* message, DecodedCall* call, GError** error) {
   MessageReader reader = reader_of(message);
   const ValueRef name = read_method_name(reader, error);
   ValueRef args = name == nullptr ? nullptr : read_value(reader, error);
-  if (args == nullptr || !expect_end(reader, error)) {
-    return false;
-  }
+  if (args == nullptr || !expect_end(reader, error)) return false;
   *call = {fl_value_get_string(name.get()), std::move(args)};
   return true;
 }
@@ -121,9 +113,7 @@ GBytes* encode_reply(FlMethodResponse* response, GError** error) {
 
 FlMethodResponse* decode_reply(GBytes* message, GError** error) {
   MessageReader reader = reader_of(message);
-  if (reader.size == 0) {
-    return FL_METHOD_RESPONSE(fl_method_not_implemented_response_new());
-  }
+  if (reader.size == 0) return FL_METHOD_RESPONSE(fl_method_not_implemented_response_new());
   uint8_t envelope = 0;
   read_byte(reader, &envelope, error);
   switch (envelope) {

@@ -25,4 +25,4 @@ bool decode_method_call(GBytes* message, DecodedCall* call, GError** error);
 GBytes* encode_reply(FlMethodResponse* response, GError** error);
 FlMethodResponse* decode_reply(GBytes* message, GError** error);
 
-#endif  // CORVANA_FLUTTER_EMBEDDING_CODEC_STANDARD_CODEC_H_
+#endif

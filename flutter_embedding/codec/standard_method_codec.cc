@@ -10,9 +10,7 @@ G_DEFINE_FINAL_TYPE(FlStandardMethodCodec, fl_standard_method_codec, fl_method_c
 static gboolean standard_decode_method_call(FlMethodCodec*, GBytes* message, gchar** name,
                                             FlValue** args, GError** error) {
   DecodedCall call;
-  if (!decode_method_call(message, &call, error)) {
-    return FALSE;
-  }
+  if (!decode_method_call(message, &call, error)) return FALSE;
   *name = g_strdup(call.name.c_str());
   *args = call.args.release();
   return TRUE;

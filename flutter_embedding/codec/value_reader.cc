@@ -28,21 +28,15 @@ bool expect_left(const MessageReader& reader, size_t count, size_t width, GError
 // Copies because a number in a message may lie at an odd address.
 template <typename Number>
 bool read_numbers(MessageReader& reader, Number* numbers, size_t count, GError** error) {
-  if (!expect_left(reader, count, sizeof(Number), error)) {
-    return false;
-  }
-  if (count > 0) {
-    std::memcpy(numbers, reader.bytes + reader.position, count * sizeof(Number));
-  }
+  if (!expect_left(reader, count, sizeof(Number), error)) return false;
+  if (count > 0) std::memcpy(numbers, reader.bytes + reader.position, count * sizeof(Number));
   reader.position += count * sizeof(Number);
   return true;
 }
 
 bool skip_padding(MessageReader& reader, size_t width, GError** error) {
   const size_t padding = (width - reader.position % width) % width;
-  if (!expect_left(reader, padding, 1, error)) {
-    return false;
-  }
+  if (!expect_left(reader, padding, 1, error)) return false;
   reader.position += padding;
   return true;
 }
@@ -50,18 +44,14 @@ bool skip_padding(MessageReader& reader, size_t width, GError** error) {
 template <typename Narrow>
 bool read_wide_size(MessageReader& reader, size_t* size, GError** error) {
   Narrow narrow = 0;
-  if (!read_numbers(reader, &narrow, 1, error)) {
-    return false;
-  }
+  if (!read_numbers(reader, &narrow, 1, error)) return false;
   *size = narrow;
   return true;
 }
 
 bool read_size(MessageReader& reader, size_t* size, GError** error) {
   uint8_t first = 0;
-  if (!read_byte(reader, &first, error)) {
-    return false;
-  }
+  if (!read_byte(reader, &first, error)) return false;
   switch (first) {
     case k_two_byte_size_mark:
       return read_wide_size<uint16_t>(reader, size, error);
@@ -76,9 +66,7 @@ bool read_size(MessageReader& reader, size_t* size, GError** error) {
 template <typename Integer>
 ValueRef read_integer(MessageReader& reader, GError** error) {
   Integer number = 0;
-  if (!read_numbers(reader, &number, 1, error)) {
-    return nullptr;
-  }
+  if (!read_numbers(reader, &number, 1, error)) return nullptr;
   return value_new(int64_t{number});
 }
 
@@ -92,9 +80,7 @@ ValueRef read_float(MessageReader& reader, GError** error) {
 
 ValueRef read_text(MessageReader& reader, GError** error) {
   size_t size = 0;
-  if (!read_size(reader, &size, error) || !expect_left(reader, size, 1, error)) {
-    return nullptr;
-  }
+  if (!read_size(reader, &size, error) || !expect_left(reader, size, 1, error)) return nullptr;
   std::string text(reinterpret_cast<const char*>(reader.bytes) + reader.position, size);
   reader.position += size;
   return value_new(std::move(text));
@@ -108,24 +94,18 @@ ValueRef read_number_list(MessageReader& reader, GError** error) {
     return nullptr;
   }
   std::vector<Number> numbers(count);
-  if (!read_numbers(reader, numbers.data(), count, error)) {
-    return nullptr;
-  }
+  if (!read_numbers(reader, numbers.data(), count, error)) return nullptr;
   return value_new(std::move(numbers));
 }
 
 // Lists and maps grow with what is really there; the announced count reserves nothing.
 ValueRef read_list(MessageReader& reader, int depth, GError** error) {
   size_t count = 0;
-  if (!read_size(reader, &count, error)) {
-    return nullptr;
-  }
+  if (!read_size(reader, &count, error)) return nullptr;
   ValueRef list(fl_value_new_list());
   for (size_t i = 0; i < count; ++i) {
     ValueRef element = read_nested(reader, depth + 1, error);
-    if (element == nullptr) {
-      return nullptr;
-    }
+    if (element == nullptr) return nullptr;
     fl_value_append_take(list.get(), element.release());
   }
   return list;
@@ -133,17 +113,13 @@ ValueRef read_list(MessageReader& reader, int depth, GError** error) {
 
 ValueRef read_map(MessageReader& reader, int depth, GError** error) {
   size_t count = 0;
-  if (!read_size(reader, &count, error)) {
-    return nullptr;
-  }
+  if (!read_size(reader, &count, error)) return nullptr;
   ValueMap entries;
   ValueIndex index;
   for (size_t i = 0; i < count; ++i) {
     ValueRef key = read_nested(reader, depth + 1, error);
     ValueRef value = key == nullptr ? nullptr : read_nested(reader, depth + 1, error);
-    if (value == nullptr) {
-      return nullptr;
-    }
+    if (value == nullptr) return nullptr;
     const auto [found, is_new] = index.try_emplace(key.get(), entries.size());
     if (is_new) {
       entries.emplace_back(std::move(key), std::move(value));
@@ -155,13 +131,11 @@ ValueRef read_map(MessageReader& reader, int depth, GError** error) {
 }
 
 ValueRef read_nested(MessageReader& reader, int depth, GError** error) {
-  if (depth > k_deepest_nesting) {
+  if (depth > k_max_nesting) {
     return fail(reader, CODEC_ERROR_TOO_DEEP, "The value is nested too deep", error);
   }
   uint8_t type = 0;
-  if (!read_byte(reader, &type, error)) {
-    return nullptr;
-  }
+  if (!read_byte(reader, &type, error)) return nullptr;
   switch (static_cast<WireType>(type)) {
     case WireType::null_value:
       return value_new(std::monostate());

@@ -29,4 +29,4 @@ bool expect_end(const MessageReader& reader, GError** error);
 // The next byte, which must exist.
 bool read_byte(MessageReader& reader, uint8_t* byte, GError** error);
 
-#endif  // CORVANA_FLUTTER_EMBEDDING_CODEC_VALUE_READER_H_
+#endif

@@ -21,9 +21,9 @@ struct ValueWriter {
   int depth;
 
   bool write(const FlValue* value) {
-    if (depth > k_deepest_nesting) {
+    if (depth > k_max_nesting) {
       g_set_error(error, codec_error_quark(), CODEC_ERROR_TOO_DEEP,
-                  "The value is nested deeper than %d levels", k_deepest_nesting);
+                  "The value is nested deeper than %d levels", k_max_nesting);
       return false;
     }
     return std::visit(*this, value->content);
@@ -42,9 +42,7 @@ struct ValueWriter {
   }
 
   void pad_to(size_t width) {
-    while (message.size() % width != 0) {
-      message.push_back(0);
-    }
+    while (message.size() % width != 0) message.push_back(0);
   }
 
   bool put_size(size_t size) {
@@ -100,9 +98,7 @@ struct ValueWriter {
 
   bool operator()(const std::string& text) {
     put_type(WireType::string);
-    if (!put_size(text.size())) {
-      return false;
-    }
+    if (!put_size(text.size())) return false;
     put_numbers(text.data(), text.size());
     return true;
   }
@@ -110,9 +106,7 @@ struct ValueWriter {
   template <typename Number>
   bool operator()(const std::vector<Number>& numbers) {
     put_type(wire_type_of(numbers));
-    if (!put_size(numbers.size())) {
-      return false;
-    }
+    if (!put_size(numbers.size())) return false;
     pad_to(sizeof(Number));
     put_numbers(numbers.data(), numbers.size());
     return true;
@@ -120,26 +114,17 @@ struct ValueWriter {
 
   bool operator()(const ValueList& elements) {
     put_type(WireType::list);
-    if (!put_size(elements.size())) {
-      return false;
-    }
-    for (const ValueRef& element : elements) {
-      if (!write_inner(element)) {
-        return false;
-      }
-    }
+    if (!put_size(elements.size())) return false;
+    for (const ValueRef& element : elements)
+      if (!write_inner(element)) return false;
     return true;
   }
 
   bool operator()(const ValueMap& entries) {
     put_type(WireType::map);
-    if (!put_size(entries.size())) {
-      return false;
-    }
+    if (!put_size(entries.size())) return false;
     for (const auto& [key, value] : entries) {
-      if (!write_inner(key) || !write_inner(value)) {
-        return false;
-      }
+      if (!write_inner(key) || !write_inner(value)) return false;
     }
     return true;
   }

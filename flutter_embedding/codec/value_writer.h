@@ -13,4 +13,4 @@
 bool write_value(std::vector<uint8_t>& message, const FlValue* value, GError** error);
 bool write_string(std::vector<uint8_t>& message, const std::string& text, GError** error);
 
-#endif  // CORVANA_FLUTTER_EMBEDDING_CODEC_VALUE_WRITER_H_
+#endif

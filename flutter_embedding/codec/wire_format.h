@@ -28,6 +28,6 @@ constexpr uint8_t k_four_byte_size_mark = 255;
 
 // Values are read, written and released recursively: a message of nothing but list openings must
 // not use up the stack.
-constexpr int k_deepest_nesting = 128;
+constexpr int k_max_nesting = 128;
 
-#endif  // CORVANA_FLUTTER_EMBEDDING_CODEC_WIRE_FORMAT_H_
+#endif

@@ -81,9 +81,7 @@ FlValue* fl_value_ref(FlValue* value) {
 void fl_value_unref(FlValue* value) {
   g_return_if_fail(value != nullptr);
   // What other threads did with the value before they let go comes before its end.
-  if (value->references.fetch_sub(1, std::memory_order_acq_rel) == 1) {
-    delete value;
-  }
+  if (value->references.fetch_sub(1, std::memory_order_acq_rel) == 1) delete value;
 }
 
 FlValueType fl_value_get_type(FlValue* value) {

@@ -38,4 +38,4 @@ struct _FlValue {
 // Any thread. The content is moved into a value with one reference.
 ValueRef value_new(ValueContent content);
 
-#endif  // CORVANA_FLUTTER_EMBEDDING_VALUES_VALUE_H_
+#endif

@@ -51,13 +51,9 @@ bool same_content(const ValueList& a, const ValueList& b) {
 }
 
 bool same_content(const ValueMap& a, const ValueMap& b) {
-  if (a.size() != b.size()) {
-    return false;
-  }
+  if (a.size() != b.size()) return false;
   ValueIndex index_of_b;
-  for (size_t i = 0; i < b.size(); ++i) {
-    index_of_b.try_emplace(b[i].first.get(), i);
-  }
+  for (size_t i = 0; i < b.size(); ++i) index_of_b.try_emplace(b[i].first.get(), i);
   return std::all_of(a.begin(), a.end(), [&](const auto& entry) {
     const auto found = index_of_b.find(entry.first.get());
     return found != index_of_b.end() &&
@@ -69,9 +65,7 @@ bool same_content(const ValueMap& a, const ValueMap& b) {
 
 bool fl_value_equal(FlValue* a, FlValue* b) {
   g_return_val_if_fail(a != nullptr && b != nullptr, false);
-  if (a->content.index() != b->content.index()) {
-    return false;
-  }
+  if (a->content.index() != b->content.index()) return false;
   return std::visit(
       [b](const auto& content) {
         return same_content(content, std::get<std::decay_t<decltype(content)>>(b->content));

@@ -18,4 +18,4 @@ struct ValueEqual {
 // Where each key stands in a map that has many. Borrows the keys, which must not change meanwhile.
 using ValueIndex = std::unordered_map<FlValue*, size_t, ValueHash, ValueEqual>;
 
-#endif  // CORVANA_FLUTTER_EMBEDDING_VALUES_VALUE_INDEX_H_
+#endif

@@ -91,9 +91,9 @@ TEST(StandardCodec, WhatIsMalformedIsNeitherReadNorWritten) {
     EXPECT_TRUE(g_error_matches(error, codec_error_quark(), code)) << error->message;
   }
   ValueRef nested(fl_value_new_null());
-  for (int depth = 0; depth <= k_deepest_nesting + 1; ++depth) {
+  for (int depth = 0; depth <= k_max_nesting + 1; ++depth) {
     g_autoptr(GBytes) encoded = encode_value(nested.get(), nullptr);
-    EXPECT_EQ(encoded != nullptr && decode_value(encoded, nullptr), depth <= k_deepest_nesting);
+    EXPECT_EQ(encoded != nullptr && decode_value(encoded, nullptr), depth <= k_max_nesting);
     ValueRef inner = std::exchange(nested, ValueRef(fl_value_new_list()));
     fl_value_append_take(nested.get(), inner.release());
   }

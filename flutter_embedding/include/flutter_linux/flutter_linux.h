@@ -229,4 +229,4 @@ gboolean fl_event_channel_send(FlEventChannel* channel, FlValue* event, GCancell
 
 G_END_DECLS
 
-#endif  // CORVANA_FLUTTER_LINUX_FLUTTER_LINUX_H_
+#endif
