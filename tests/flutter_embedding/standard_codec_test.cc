@@ -63,20 +63,6 @@ TEST(StandardCodec, AKeyThatComesAgainReplacesItsValue) {
   for (const auto& [bytes, text] : rows) EXPECT_EQ(read_and_write(bytes).first, text);
 }
 
-TEST(StandardCodec, CallsAndReplies) {
-  g_autoptr(GBytes) call = encode_method_call("go", nullptr, nullptr);
-  EXPECT_EQ(bytes_of(call), (Bytes{7, 2, 'g', 'o', 0}));
-  for (const Bytes& bytes : {Bytes{},
-                             {0, 6, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0xf8, 0x3f},
-                             {1, 7, 1, 'c', 0, 0},
-                             {1, 7, 1, 'c', 7, 1, 'm', 1}}) {
-    g_autoptr(GBytes) message = message_of(bytes);
-    g_autoptr(FlMethodResponse) response = decode_reply(message, nullptr);
-    g_autoptr(GBytes) encoded = encode_reply(response, nullptr);
-    EXPECT_EQ(bytes_of(encoded), bytes);
-  }
-}
-
 TEST(StandardCodec, WhatIsMalformedIsNeitherReadNorWritten) {
   const std::pair<Bytes, CodecError> rows[] = {
       {{11, 255, 0xff, 0xff, 0xff, 0xff, 0, 0, 0}, CODEC_ERROR_TRUNCATED},
