@@ -13,16 +13,18 @@ using std::chrono::milliseconds;
 
 namespace {
 
-// How to tell a host to leave. Ctrl-C and a closed terminal reach its whole process group.
+// How to tell a host to leave. Ctrl-C and a closed terminal reach its whole process group. A signal
+// that comes after all is taken back may end the process.
 struct WayOut {
   const char* name;
+  int signal;
   void (*take)(pid_t host);
 };
 
-constexpr WayOut k_ways_out[] = {{"Terminate", [](pid_t host) { kill(host, SIGTERM); }},
-                                 {"CtrlC", [](pid_t host) { kill(-host, SIGINT); }},
-                                 {"HangUp", [](pid_t host) { kill(-host, SIGHUP); }},
-                                 {"CloseWindow", [](pid_t) { close_window(); }}};
+constexpr WayOut k_ways_out[] = {{"Terminate", SIGTERM, [](pid_t host) { kill(host, SIGTERM); }},
+                                 {"CtrlC", SIGINT, [](pid_t host) { kill(-host, SIGINT); }},
+                                 {"HangUp", SIGHUP, [](pid_t host) { kill(-host, SIGHUP); }},
+                                 {"CloseWindow", 0, [](pid_t) { close_window(); }}};
 
 // A desktop whose settings are the files in "settings", and whose tool takes its time before it
 // writes. "answered" was touched as the tool last ended.
@@ -115,7 +117,7 @@ class Leaving : public LeavingTest, public testing::WithParamInterface<int> {
     // A stop begins when the window has been looked at for a while.
     std::this_thread::sleep_for(moment + (during.stops ? 600ms : 0ms));
     if (!host.wait_for_exit(0ms)) k_ways_out[GetParam()].take(host.pid());
-    return faults_at_the_end(host, 40s);
+    return faults_at_the_end(host, 40s, 0, k_ways_out[GetParam()].signal);
   }
 };
 
