@@ -4,12 +4,11 @@
 #include <memory>
 #include <string>
 
-#include "flutter_embedding/preview/automation.h"
-#include "flutter_embedding/preview/connection_page.h"
-#include "flutter_embedding/preview/diagnostics_page.h"
-#include "flutter_embedding/preview/log_page.h"
-#include "flutter_embedding/preview/screenshot.h"
-#include "flutter_embedding/preview/widgets.h"
+#include "flutter_embedding/preview/pages/connection_page.h"
+#include "flutter_embedding/preview/pages/diagnostics_page.h"
+#include "flutter_embedding/preview/pages/log_page.h"
+#include "flutter_embedding/preview/panels/widgets.h"
+#include "flutter_embedding/preview/runner/automation.h"
 
 namespace preview {
 namespace {

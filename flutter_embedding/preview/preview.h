@@ -10,4 +10,4 @@
 // widget. Main thread only, after gtk_init. Never fails.
 GtkWidget* preview_new(FlBinaryMessenger* messenger, char** dart_entrypoint_arguments);
 
-#endif  // CORVANA_FLUTTER_EMBEDDING_PREVIEW_PREVIEW_H_
+#endif

@@ -1,7 +1,7 @@
 #include <gtest/gtest.h>
 
-#include "flutter_embedding/preview/default_config.h"
-#include "flutter_embedding/preview/preview_options.h"
+#include "flutter_embedding/preview/runner/default_config.h"
+#include "flutter_embedding/preview/runner/preview_options.h"
 
 static preview::ParsedOptions parse(std::vector<const char*> arguments) {
   arguments.push_back(nullptr);

@@ -1,0 +1,176 @@
+#include "flutter_embedding/preview/pages/diagnostics_page.h"
+
+#include <utility>
+#include <vector>
+
+#include "flutter_embedding/preview/pages/diagnostics_rows.h"
+#include "flutter_embedding/preview/panels/widgets.h"
+#include "flutter_embedding/preview/runner/service_client.h"
+#include "flutter_embedding/ui_channel.h"
+
+namespace preview {
+
+struct DiagnosticsPage {
+  FlBinaryMessenger* messenger;
+  Life life;
+  GtkWidget* widget = nullptr;
+  GtkStack* content = nullptr;  // "loading", "table" or "failed"
+  GtkSpinner* spinner = nullptr;
+  GtkListBox* table = nullptr;
+  GtkWidget* refresh = nullptr;
+  GtkWidget* copy = nullptr;
+  std::vector<DiagnosticsRow> rows;
+  bool loading = false;
+  bool loaded = false;
+
+  DiagnosticsPage(FlBinaryMessenger* the_messenger, Life the_life)
+      : messenger(FL_BINARY_MESSENGER(g_object_ref(the_messenger))), life(std::move(the_life)) {}
+  ~DiagnosticsPage() { g_object_unref(messenger); }
+  DiagnosticsPage(const DiagnosticsPage&) = delete;
+  DiagnosticsPage& operator=(const DiagnosticsPage&) = delete;
+};
+
+namespace {
+
+// The host answers from the main thread and takes its time: the page's fading in has to be over
+// first.
+constexpr unsigned k_paint_milliseconds = 300;
+
+GtkWidget* row_new(const DiagnosticsRow& row, GtkSizeGroup* captions) {
+  GtkWidget* caption = dim_label_new(row.label);
+  GtkWidget* value = value_label_new(row.value.c_str());
+  // Chinese letters are higher than Latin ones; the words still stand on one line.
+  gtk_widget_set_valign(caption, GTK_ALIGN_BASELINE);
+  gtk_widget_set_valign(value, GTK_ALIGN_BASELINE);
+  add_style_class(value, "preview-value");
+  gtk_size_group_add_widget(captions, caption);
+  if (row.tone == Tone::good) add_style_class(value, "preview-good");
+  if (row.tone == Tone::absent) add_style_class(value, "dim-label");
+  GtkWidget* box = gtk_box_new(GTK_ORIENTATION_HORIZONTAL, k_margin);
+  g_object_set(box, "margin-start", k_spacing, "margin-end", k_spacing, "margin-top", 6,
+               "margin-bottom", 6, nullptr);
+  gtk_container_add(GTK_CONTAINER(box), caption);
+  gtk_container_add(GTK_CONTAINER(box), value);
+  GtkWidget* list_row = gtk_list_box_row_new();
+  gtk_list_box_row_set_activatable(GTK_LIST_BOX_ROW(list_row), FALSE);
+  gtk_widget_set_can_focus(list_row, FALSE);
+  gtk_container_add(GTK_CONTAINER(list_row), box);
+  return list_row;
+}
+
+void put_line_between(GtkListBoxRow* row, GtkListBoxRow* before, gpointer) {
+  if (before != nullptr)
+    gtk_list_box_row_set_header(row, gtk_separator_new(GTK_ORIENTATION_HORIZONTAL));
+}
+
+void remove_from_list(GtkWidget* row, gpointer) { gtk_widget_destroy(row); }
+
+void show_rows(DiagnosticsPage* page) {
+  gtk_container_foreach(GTK_CONTAINER(page->table), remove_from_list, nullptr);
+  g_autoptr(GtkSizeGroup) captions = gtk_size_group_new(GTK_SIZE_GROUP_HORIZONTAL);
+  for (const DiagnosticsRow& row : page->rows) {
+    gtk_container_add(GTK_CONTAINER(page->table), row_new(row, captions));
+  }
+  use_chinese_glyphs(GTK_WIDGET(page->table));
+  gtk_widget_show_all(GTK_WIDGET(page->table));
+}
+
+void show_answer(DiagnosticsPage* page, const UiReply& reply) {
+  const bool answered =
+      reply.kind == UiReply::Kind::success && fl_value_get_type(reply.value) == FL_VALUE_TYPE_MAP;
+  if (answered) {
+    page->rows = diagnostics_rows(reply.value);
+    show_rows(page);
+  }
+  page->loading = false;
+  page->loaded = true;
+  gtk_spinner_stop(page->spinner);
+  gtk_stack_set_visible_child_name(page->content, answered ? "table" : "failed");
+  gtk_widget_set_sensitive(page->refresh, TRUE);
+  gtk_widget_set_sensitive(page->copy, answered);
+}
+
+void ask(DiagnosticsPage* page) {
+  ui_invoke_method(page->messenger, k_service_channel, "getDiagnostics", nullptr,
+                   [page, life = page->life](const UiReply& reply) {
+                     if (!life.expired()) show_answer(page, reply);
+                   });
+}
+
+void load(DiagnosticsPage* page) {
+  if (page->loading) return;
+  page->loading = true;
+  gtk_spinner_start(page->spinner);
+  gtk_stack_set_visible_child_name(page->content, "loading");
+  gtk_widget_set_sensitive(page->refresh, FALSE);
+  gtk_widget_set_sensitive(page->copy, FALSE);
+  run_later(k_paint_milliseconds, page->life, [page] { ask(page); });
+}
+
+GtkWidget* note_new(const char* text, GtkWidget* above) {
+  GtkWidget* note = gtk_box_new(GTK_ORIENTATION_VERTICAL, k_spacing);
+  GtkWidget* label = gtk_label_new(text);
+  add_style_class(label, "dim-label");
+  if (above != nullptr) gtk_container_add(GTK_CONTAINER(note), above);
+  gtk_container_add(GTK_CONTAINER(note), label);
+  gtk_widget_set_valign(note, GTK_ALIGN_CENTER);
+  return note;
+}
+
+GtkWidget* table_new(DiagnosticsPage* page) {
+  GtkWidget* list = gtk_list_box_new();
+  page->table = GTK_LIST_BOX(list);
+  gtk_list_box_set_selection_mode(page->table, GTK_SELECTION_NONE);
+  gtk_list_box_set_header_func(page->table, put_line_between, nullptr, nullptr);
+  atk_object_set_name(gtk_widget_get_accessible(list), "诊断结果");
+  GtkWidget* scrolled = scrolled_new(list);
+  gtk_scrolled_window_set_shadow_type(GTK_SCROLLED_WINDOW(scrolled), GTK_SHADOW_IN);
+  return scrolled;
+}
+
+GtkWidget* content_new(DiagnosticsPage* page) {
+  GtkWidget* spinner = gtk_spinner_new();
+  page->spinner = GTK_SPINNER(spinner);
+  gtk_widget_set_size_request(spinner, 32, 32);
+  GtkWidget* content = gtk_stack_new();
+  page->content = GTK_STACK(content);
+  gtk_stack_add_named(page->content, note_new("正在检查本机环境…", spinner), "loading");
+  gtk_stack_add_named(page->content, table_new(page), "table");
+  gtk_stack_add_named(page->content, note_new("后台服务没有给出诊断结果，请稍后刷新", nullptr),
+                      "failed");
+  gtk_widget_set_vexpand(content, TRUE);
+  return content;
+}
+
+GtkWidget* tools_new(DiagnosticsPage* page) {
+  page->copy = copy_button_new("复制全部诊断结果", [page] { return diagnostics_text(page->rows); });
+  page->refresh = button_new("刷新", [page] { load(page); });
+  GtkWidget* tools = gtk_box_new(GTK_ORIENTATION_HORIZONTAL, k_spacing);
+  gtk_widget_set_halign(tools, GTK_ALIGN_END);
+  gtk_container_add(GTK_CONTAINER(tools), page->copy);
+  gtk_container_add(GTK_CONTAINER(tools), page->refresh);
+  return tools;
+}
+
+}  // namespace
+
+std::shared_ptr<DiagnosticsPage> diagnostics_page_new(FlBinaryMessenger* messenger,
+                                                      const Life& life) {
+  auto page = std::make_shared<DiagnosticsPage>(messenger, life);
+  page->widget = gtk_box_new(GTK_ORIENTATION_VERTICAL, k_spacing);
+  set_all_margins(page->widget, k_margin);
+  gtk_container_add(GTK_CONTAINER(page->widget), content_new(page.get()));
+  gtk_container_add(GTK_CONTAINER(page->widget), tools_new(page.get()));
+  on_signal(page->widget, "map", [page = page.get()] {
+    if (!page->loaded) load(page);
+  });
+  return page;
+}
+
+GtkWidget* diagnostics_page_widget(const DiagnosticsPage& page) { return page.widget; }
+
+bool diagnostics_page_is_loaded(const DiagnosticsPage& page) {
+  return page.loaded && !page.loading;
+}
+
+}  // namespace preview

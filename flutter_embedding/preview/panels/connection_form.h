@@ -1,0 +1,30 @@
+#ifndef CORVANA_FLUTTER_EMBEDDING_PREVIEW_PANELS_CONNECTION_FORM_H_
+#define CORVANA_FLUTTER_EMBEDDING_PREVIEW_PANELS_CONNECTION_FORM_H_
+
+#include <gtk/gtk.h>
+
+#include <memory>
+#include <string>
+
+#include "flutter_embedding/preview/runner/preview_options.h"
+
+namespace preview {
+
+// The two choices that a start needs. The widget is floating; the form has to outlive it. Main
+// thread only.
+struct ConnectionForm {
+  GtkWidget* widget;
+  GtkEntry* config;
+  GtkToggleButton* no_system_proxy;
+};
+
+std::unique_ptr<ConnectionForm> connection_form_new(const Options& options);
+
+// The chosen configuration's path in UTF-8; an emptied field means the ready-made one.
+std::string connection_form_config(const ConnectionForm& form);
+
+ProxyMode connection_form_mode(const ConnectionForm& form);
+
+}  // namespace preview
+
+#endif

@@ -1,0 +1,116 @@
+#include "flutter_embedding/preview/panels/text_pane.h"
+
+#include <string>
+#include <utility>
+
+#include "flutter_embedding/preview/panels/widgets.h"
+
+namespace preview {
+namespace {
+
+constexpr int k_text_margin = 6;
+constexpr char k_chinese_tag[] = "chinese";
+
+std::string_view last_lines(std::string_view text, int count) {
+  std::size_t end = text.size();
+  while (count-- > 0) {
+    const std::size_t line_feed = end == 0 ? std::string_view::npos : text.rfind('\n', end - 1);
+    if (line_feed == std::string_view::npos) return text;
+    end = line_feed;
+  }
+  return text.substr(end + 1);
+}
+
+std::string_view cut_at_a_character(std::string_view line, std::size_t size) {
+  while (size > 0 && (static_cast<unsigned char>(line[size]) & 0xC0) == 0x80) --size;
+  return line.substr(0, size);
+}
+
+std::string with_cut_lines(std::string_view text) {
+  std::string result;
+  result.reserve(text.size());
+  while (true) {
+    const std::size_t line_feed = text.find('\n');
+    const std::string_view line = text.substr(0, line_feed);
+    if (line.size() > k_max_log_line_size) {
+      result.append(cut_at_a_character(line, k_max_log_line_size)).append("…");
+    } else {
+      result.append(line);
+    }
+    if (line_feed == std::string_view::npos) return result;
+    result.push_back('\n');
+    text.remove_prefix(line_feed + 1);
+  }
+}
+
+void drop_oldest_lines(GtkTextBuffer* buffer) {
+  const int surplus = gtk_text_buffer_get_line_count(buffer) - k_max_log_lines;
+  if (surplus <= 0) return;
+  GtkTextIter start;
+  GtkTextIter first_kept;
+  gtk_text_buffer_get_start_iter(buffer, &start);
+  gtk_text_buffer_get_iter_at_line(buffer, &first_kept, surplus);
+  gtk_text_buffer_delete(buffer, &start, &first_kept);
+}
+
+// Its appended lines have the Chinese forms of the characters that Chinese and Japanese share,
+// whatever the locale. A new reference.
+GtkTextBuffer* buffer_new() {
+  GtkTextBuffer* buffer = gtk_text_buffer_new(nullptr);
+  gtk_text_buffer_create_tag(buffer, k_chinese_tag, "language", "zh-cn", nullptr);
+  return buffer;
+}
+
+GtkTextView* view_new(const char* accessible_name) {
+  g_autoptr(GtkTextBuffer) buffer = buffer_new();
+  GtkWidget* widget = gtk_text_view_new_with_buffer(buffer);
+  GtkTextView* view = GTK_TEXT_VIEW(widget);
+  gtk_text_view_set_editable(view, FALSE);
+  gtk_text_view_set_cursor_visible(view, FALSE);
+  gtk_text_view_set_monospace(view, TRUE);
+  gtk_text_view_set_wrap_mode(view, GTK_WRAP_WORD_CHAR);
+  gtk_text_view_set_left_margin(view, k_text_margin);
+  gtk_text_view_set_right_margin(view, k_text_margin);
+  gtk_text_view_set_top_margin(view, k_text_margin);
+  gtk_text_view_set_bottom_margin(view, k_text_margin);
+  // Tab leaves the text, as it has nothing to insert.
+  gtk_text_view_set_accepts_tab(view, FALSE);
+  add_style_class(widget, "preview-value");
+  atk_object_set_name(gtk_widget_get_accessible(widget), accessible_name);
+  return view;
+}
+
+}  // namespace
+
+TextPane text_pane_new(const char* accessible_name) {
+  GtkTextView* view = view_new(accessible_name);
+  GtkWidget* scrolled = scrolled_new(GTK_WIDGET(view));
+  // A line that was wrapped for a wide window must not keep the window from becoming narrow.
+  gtk_scrolled_window_set_policy(GTK_SCROLLED_WINDOW(scrolled), GTK_POLICY_EXTERNAL,
+                                 GTK_POLICY_AUTOMATIC);
+  gtk_scrolled_window_set_shadow_type(GTK_SCROLLED_WINDOW(scrolled), GTK_SHADOW_IN);
+  gtk_widget_set_vexpand(scrolled, TRUE);
+  return {scrolled, view, gtk_text_view_get_buffer(view),
+          gtk_scrolled_window_get_vadjustment(GTK_SCROLLED_WINDOW(scrolled))};
+}
+
+void text_pane_follow_end(const TextPane& pane, std::function<bool()> is_wanted) {
+  // The text's height is known only bit by bit, as lines are laid out; each bit arrives here.
+  on_signal(pane.position, "changed", [position = pane.position, is_wanted = std::move(is_wanted)] {
+    if (is_wanted()) gtk_adjustment_set_value(position, gtk_adjustment_get_upper(position));
+  });
+}
+
+void log_view_append(GtkTextBuffer* buffer, std::string_view batch) {
+  std::string lines = with_cut_lines(last_lines(batch, k_max_log_lines));
+  if (gtk_text_buffer_get_char_count(buffer) > 0) lines.insert(lines.begin(), '\n');
+  g_autofree char* valid = g_utf8_make_valid(lines.data(), static_cast<gssize>(lines.size()));
+  GtkTextIter end;
+  gtk_text_buffer_get_end_iter(buffer, &end);
+  GtkTextTag* chinese =
+      gtk_text_tag_table_lookup(gtk_text_buffer_get_tag_table(buffer), k_chinese_tag);
+  gtk_text_buffer_insert_with_tags(buffer, &end, valid, -1, chinese, nullptr);
+  drop_oldest_lines(buffer);
+}
+
+}  // namespace preview

@@ -1,0 +1,41 @@
+#ifndef CORVANA_FLUTTER_EMBEDDING_PREVIEW_RUNNER_AUTOMATION_H_
+#define CORVANA_FLUTTER_EMBEDDING_PREVIEW_RUNNER_AUTOMATION_H_
+
+#include <gtk/gtk.h>
+
+#include <functional>
+#include <memory>
+#include <string>
+
+#include "flutter_embedding/preview/runner/later.h"
+#include "flutter_embedding/preview/runner/preview_options.h"
+#include "flutter_embedding/preview/runner/service_client.h"
+
+namespace preview {
+
+// What the options ask the window to do by itself, in this order: connect, wait for the outcome,
+// take the picture, disconnect, close. Main thread only.
+struct Automation;
+
+struct AutomationActions {
+  std::function<void()> connect;
+  std::function<void()> disconnect;
+  std::function<bool()> is_drawn;  // the shown page has what it waits for, and nothing moves
+  std::function<void()> take_screenshot;
+  std::function<void()> close;
+};
+
+std::shared_ptr<Automation> automation_new(const Options& options, const Life& life,
+                                           AutomationActions actions);
+
+// To be told of every change of the status.
+void automation_notice(Automation* automation, const ServiceStatus& status);
+
+// Writes what the widget shows, on its window's background, to a PNG file (name in the file
+// system's encoding). It draws by itself, so nothing needs to be on a screen. Returns why it
+// couldn't, or an empty string. Main thread only.
+std::string write_screenshot(GtkWidget* widget, const std::string& file);
+
+}  // namespace preview
+
+#endif

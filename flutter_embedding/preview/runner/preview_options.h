@@ -1,0 +1,31 @@
+#ifndef CORVANA_FLUTTER_EMBEDDING_PREVIEW_RUNNER_PREVIEW_OPTIONS_H_
+#define CORVANA_FLUTTER_EMBEDDING_PREVIEW_RUNNER_PREVIEW_OPTIONS_H_
+
+#include <string>
+
+namespace preview {
+
+enum class ProxyMode { set_system_proxy = 1, no_system_proxy = 4 };
+
+struct Options {
+  std::string config;  // absolute path in UTF-8; empty: the ready-made configuration
+  ProxyMode proxy_mode = ProxyMode::set_system_proxy;
+  bool connect = false;
+  std::string page = "connection";  // the name of a page of the stack
+  std::string screenshot;           // a file name in the file system's encoding; empty: none
+  bool quit = false;
+};
+
+struct ParsedOptions {
+  Options options;
+  std::string complaint;  // one line that says what was wrong; empty when nothing was
+};
+
+// Reads a null-terminated vector that has no program name in front; null is an empty one. Any fault
+// gives the defaults, so that a mistyped option never leaves half of a wish carried out; only
+// `quit` is kept. Any thread, needs no display.
+ParsedOptions parse_options(char** arguments);
+
+}  // namespace preview
+
+#endif
