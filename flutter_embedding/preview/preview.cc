@@ -110,7 +110,7 @@ void start(Preview* preview) {
 GtkWidget* preview_new(FlBinaryMessenger* messenger, char** dart_entrypoint_arguments) {
   using namespace preview;
   ParsedOptions parsed = parse_options(dart_entrypoint_arguments);
-  if (!parsed.complaint.empty()) complain("界面参数有误，按默认设置继续: " + parsed.complaint);
+  if (!parsed.complaint.empty()) complain("界面参数有误，忽略该参数: " + parsed.complaint);
   load_style();
   auto* the_preview = new Preview;
   the_preview->options = std::move(parsed.options);

@@ -8,7 +8,7 @@ static preview::ParsedOptions parse(std::vector<const char*> arguments) {
   return preview::parse_options(const_cast<char**>(arguments.data()));
 }
 
-TEST(Options, AreReadOrGiveOneLineAndTheDefaults) {
+TEST(Options, AreReadAndAWrongOneGivesOneLineAndCostsOnlyItself) {
   const auto [options, complaint] = parse({"--config", "b.json", "--proxy-mode=4", "--connect",
                                            "--page", "log", "--screenshot=s.png", "--quit"});
   EXPECT_EQ(complaint, "");
@@ -18,10 +18,12 @@ TEST(Options, AreReadOrGiveOneLineAndTheDefaults) {
   EXPECT_TRUE(options.connect && options.quit);
   for (const char* fault : {"--help", "stray", "--proxy-mode=x", "--proxy-mode=2", "--page=other",
                             "two\nlines", "--config=\xff", "--proxy-mode"}) {
-    const auto parsed = parse({"--connect", "--quit", fault});
+    const auto parsed = parse({"--connect", fault, "--screenshot", "s.png", "--quit"});
     EXPECT_NE(parsed.complaint, "") << fault;
     EXPECT_EQ(parsed.complaint.find('\n'), std::string::npos) << fault;
-    EXPECT_TRUE(!parsed.options.connect && parsed.options.quit) << fault;
+    EXPECT_EQ(parsed.options.connect, fault == std::string("--page=other")) << fault;
+    EXPECT_TRUE(parsed.options.quit) << fault;
+    EXPECT_EQ(parsed.options.page + " " + parsed.options.screenshot, "connection s.png") << fault;
   }
 }
 

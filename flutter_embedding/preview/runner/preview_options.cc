@@ -4,7 +4,7 @@
 
 #include <algorithm>
 #include <array>
-#include <memory>
+#include <vector>
 
 namespace preview {
 namespace {
@@ -30,20 +30,8 @@ struct RawOptions {
   }
 };
 
-using Strv = std::unique_ptr<char*, decltype(&g_strfreev)>;
-
-// The parser skips the first element, which is a program's name elsewhere.
-char** copy_behind_a_name(char** arguments) {
-  GPtrArray* copy = g_ptr_array_new();
-  g_ptr_array_add(copy, g_strdup("corvana"));
-  for (char** argument = arguments; argument != nullptr && *argument != nullptr; ++argument) {
-    g_ptr_array_add(copy, g_strdup(*argument));
-  }
-  g_ptr_array_add(copy, nullptr);
-  return reinterpret_cast<char**>(g_ptr_array_free(copy, FALSE));
-}
-
-std::string parse_into(RawOptions& raw, char** arguments) {
+// What is wrong with the words, of which the parser skips the first: elsewhere that is the program.
+std::string parse_into(RawOptions& raw, std::vector<char*> words) {
   const GOptionEntry entries[] = {
       {"config", 0, 0, G_OPTION_ARG_FILENAME, &raw.config, nullptr, nullptr},
       {"proxy-mode", 0, 0, G_OPTION_ARG_INT, &raw.proxy_mode, nullptr, nullptr},
@@ -57,24 +45,45 @@ std::string parse_into(RawOptions& raw, char** arguments) {
   // GLib's own --help would end the host's process.
   g_option_context_set_help_enabled(context, FALSE);
   g_option_context_add_main_entries(context, entries, nullptr);
-
-  char** rest = copy_behind_a_name(arguments);
+  auto count = static_cast<int>(words.size());
+  words.push_back(nullptr);
+  char** rest = words.data();
   g_autoptr(GError) error = nullptr;
-  const bool understood = g_option_context_parse_strv(context, &rest, &error);
-  const Strv owned_rest(rest, g_strfreev);
-  if (!understood) return error->message;
-  if (g_strv_length(rest) > 1) return std::string("不认识的参数 ") + rest[1];
-  return {};
+  if (!g_option_context_parse(context, &count, &rest, &error)) return error->message;
+  return count > 1 ? std::string("不认识的参数 ") + rest[1] : "";
 }
 
-std::string find_bad_value(const RawOptions& raw) {
+// Each option is tried on its own, with the value behind it, so that a wrong one costs only itself.
+// Gives the first complaint. The words are borrowed.
+std::string parse_each(RawOptions& raw, char** arguments) {
+  static char program[] = "corvana";
+  std::vector<char*> understood = {program};
+  std::string complaint;
+  while (arguments != nullptr && *arguments != nullptr) {
+    std::vector<char*> option = {program};
+    do {
+      option.push_back(*arguments++);
+    } while (*arguments != nullptr && !g_str_has_prefix(*arguments, "-"));
+    RawOptions scratch;
+    const std::string fault = parse_into(scratch, option);
+    if (fault.empty()) understood.insert(understood.end(), option.begin() + 1, option.end());
+    if (complaint.empty()) complaint = fault;
+  }
+  parse_into(raw, understood);
+  return complaint;
+}
+
+std::string drop_bad_page(RawOptions& raw) {
+  const auto is_wanted = [&raw](const char* page) { return g_str_equal(page, raw.page); };
+  if (raw.page == nullptr || std::any_of(k_pages.begin(), k_pages.end(), is_wanted)) return {};
+  g_autofree char* page = g_steal_pointer(&raw.page);
+  return std::string("--page 只能是 connection、log 或 diagnostics，不能是 ") + page;
+}
+
+std::string find_bad_connection(const RawOptions& raw) {
   if (raw.proxy_mode != static_cast<int>(ProxyMode::set_system_proxy) &&
       raw.proxy_mode != static_cast<int>(ProxyMode::no_system_proxy)) {
     return "--proxy-mode 只能是 1 或 4，不能是 " + std::to_string(raw.proxy_mode);
-  }
-  const auto is_wanted = [&raw](const char* page) { return g_str_equal(page, raw.page); };
-  if (raw.page != nullptr && std::none_of(k_pages.begin(), k_pages.end(), is_wanted)) {
-    return std::string("--page 只能是 connection、log 或 diagnostics，不能是 ") + raw.page;
   }
   if (raw.config != nullptr && !g_utf8_validate(raw.config, -1, nullptr)) {
     return std::string("--config 的文件名必须是 UTF-8，不能是 ") + raw.config;
@@ -104,14 +113,19 @@ Options from_raw(const RawOptions& raw) {
 
 ParsedOptions parse_options(char** arguments) {
   RawOptions raw;
-  std::string complaint = parse_into(raw, arguments);
-  if (complaint.empty()) complaint = find_bad_value(raw);
-  if (complaint.empty()) return {from_raw(raw), {}};
+  std::string complaint = parse_each(raw, arguments);
+  if (complaint.empty()) complaint = find_bad_connection(raw);
+  const bool knows_connection = complaint.empty();
+  const std::string bad_page = drop_bad_page(raw);
+  if (complaint.empty()) complaint = bad_page;
+  Options options = from_raw(raw);
+  if (!knows_connection) {
+    options.config.clear();
+    options.proxy_mode = ProxyMode::set_system_proxy;
+    options.connect = false;
+  }
   std::replace(complaint.begin(), complaint.end(), '\n', ' ');
   g_autofree char* utf8 = g_utf8_make_valid(complaint.c_str(), -1);
-  Options options;
-  // Whoever runs this unattended counts on the end, whatever is wrong with the rest.
-  options.quit = arguments != nullptr && g_strv_contains(arguments, "--quit");
   return {options, utf8};
 }
 

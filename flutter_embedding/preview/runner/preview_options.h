@@ -21,9 +21,10 @@ struct ParsedOptions {
   std::string complaint;  // one line that says what was wrong; empty when nothing was
 };
 
-// Reads a null-terminated vector that has no program name in front; null is an empty one. Any fault
-// gives the defaults, so that a mistyped option never leaves half of a wish carried out; only
-// `quit` is kept. Any thread, needs no display.
+// Reads a null-terminated vector that has no program name in front; null is an empty one. A wrong
+// option costs only itself, but one that isn't understood, or that names the connection, leaves the
+// defaults for that and `connect` off: another connection than the one asked for would do harm. Any
+// thread, needs no display.
 ParsedOptions parse_options(char** arguments);
 
 }  // namespace preview
