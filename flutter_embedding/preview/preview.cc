@@ -4,6 +4,7 @@
 #include <memory>
 #include <string>
 
+#include "flutter_embedding/guarded.h"
 #include "flutter_embedding/preview/pages/connection_page.h"
 #include "flutter_embedding/preview/pages/diagnostics_page.h"
 #include "flutter_embedding/preview/pages/log_page.h"
@@ -12,6 +13,8 @@
 
 namespace preview {
 namespace {
+
+constexpr int k_max_width = 600;
 
 struct Preview {
   Options options;
@@ -58,7 +61,7 @@ void make_client(Preview* preview, FlBinaryMessenger* messenger) {
         automation_notice(preview->automation.get(), status);
       });
   AutomationActions actions;
-  actions.connect = [preview] { connection_page_connect(preview->connection.get()); };
+  actions.connect = [preview] { return connection_page_connect(preview->connection.get()); };
   actions.disconnect = [preview] { service_client_disconnect(preview->client.get()); };
   actions.is_drawn = [preview] { return is_drawn(*preview); };
   actions.take_screenshot = [preview] { take_screenshot(*preview); };
@@ -97,9 +100,62 @@ void make_root(Preview* preview) {
   on_signal(preview->root, "destroy", [preview] { preview->life.reset(); });
 }
 
+void turn_page(Preview* preview, int step) {
+  g_autoptr(GList) pages = gtk_container_get_children(GTK_CONTAINER(preview->pages));
+  const int place = g_list_index(pages, gtk_stack_get_visible_child(preview->pages)) + step;
+  auto* page = static_cast<GtkWidget*>(place < 0 ? nullptr : g_list_nth_data(pages, place));
+  if (page != nullptr) gtk_stack_set_visible_child(preview->pages, page);
+}
+
+bool take_key(Preview* preview, guint key) {
+  switch (key) {
+    case GDK_KEY_q:
+    case GDK_KEY_w:
+      close_window(*preview);
+      return true;
+    case GDK_KEY_Page_Up:
+      turn_page(preview, -1);
+      return true;
+    case GDK_KEY_Page_Down:
+      turn_page(preview, 1);
+      return true;
+    default:
+      return false;
+  }
+}
+
+gboolean on_key(GtkWidget*, GdkEventKey* event, gpointer preview) {
+  const GdkModifierType held =
+      static_cast<GdkModifierType>(event->state & gtk_accelerator_get_default_mod_mask());
+  if (held != GDK_CONTROL_MASK) return GDK_EVENT_PROPAGATE;
+  bool taken = false;
+  run_guarded([&] {
+    taken = take_key(static_cast<Preview*>(preview), gdk_keyval_to_lower(event->keyval));
+  });
+  return taken ? GDK_EVENT_STOP : GDK_EVENT_PROPAGATE;
+}
+
+// Lines of text that are longer than this are hard to read.
+void limit_width(Preview* preview) {
+  const int surplus = gtk_widget_get_allocated_width(preview->root) - k_max_width;
+  const int margin = MAX(surplus / 2, 0);
+  if (gtk_widget_get_margin_start(GTK_WIDGET(preview->pages)) == margin) return;
+  gtk_widget_set_margin_start(GTK_WIDGET(preview->pages), margin);
+  gtk_widget_set_margin_end(GTK_WIDGET(preview->pages), margin);
+}
+
+void watch_window(Preview* preview) {
+  GtkWidget* window = gtk_widget_get_toplevel(preview->root);
+  g_signal_connect(window, "key-press-event", G_CALLBACK(on_key), preview);
+  on_signal(preview->root, "size-allocate",
+            [preview] { run_later(0, preview->life, [preview] { limit_width(preview); }); });
+  limit_width(preview);
+}
+
 // Listening begins with the window and not with its log page: the stream replays a long log at a
 // quarter of a megabyte a second, which a person who opens the page would have to sit through.
 void start(Preview* preview) {
+  watch_window(preview);
   log_page_listen(preview->log.get());
   service_client_check(preview->client.get());
 }

@@ -236,7 +236,7 @@ TEST_F(LeavingTest, AConsoleThatHasGoneIsNoHindrance) {
 // After a core that was ended for a new one, the desktop goes on pointing at its port. A program that
 // only has the core's name in its command line is neither ended nor did it set the proxy.
 TEST_F(LeavingTest, AfterAFailedRestartTheProxyOfAnEndedCoreIsTakenBack) {
-  write_file("broken.json", "no core accepts \"external_controller\": \"127.0.0.1:9090\"");
+  write_file("broken.json", "{no core accepts \"external_controller\": \"127.0.0.1:9090\"");
   for (const bool is_core : {false, true}) {
     write_file("settings/proxy.mode", "manual\n");
     write_file("answered", "");

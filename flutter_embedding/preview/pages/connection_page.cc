@@ -38,6 +38,19 @@ bool can_disconnect(const ServiceStatus& status) {
   return status.phase == Phase::connected || (is_failed(status.phase) && status.core_running);
 }
 
+// A button that can no longer be pressed hands the focus to the one that can.
+void keep_focus(const ConnectionPage& page) {
+  GtkWidget* window = gtk_widget_get_toplevel(page.widget);
+  if (!GTK_IS_WINDOW(window) || !gtk_widget_get_mapped(page.widget)) return;
+  GtkWidget* focus = gtk_window_get_focus(GTK_WINDOW(window));
+  if (focus != nullptr && gtk_widget_is_sensitive(focus)) return;
+  for (GtkWidget* button : {page.disconnect, page.connect}) {
+    if (!gtk_widget_is_sensitive(button)) continue;
+    gtk_widget_grab_focus(button);
+    return;
+  }
+}
+
 GtkWidget* buttons_new(ConnectionPage* page) {
   page->connect = button_new("连接(_C)", [page] { connection_page_connect(page); });
   page->disconnect =
@@ -61,6 +74,9 @@ GtkWidget* scrolling_details_new(ConnectionPage* page) {
   }
   GtkWidget* scrolled = scrolled_new(details);
   gtk_widget_set_vexpand(scrolled, TRUE);
+  atk_object_set_name(gtk_widget_get_accessible(scrolled), "连接详情");
+  // In the smallest window the beginning of a failure is still there to read.
+  gtk_scrolled_window_set_min_content_height(GTK_SCROLLED_WINDOW(scrolled), 96);
   return scrolled;
 }
 
@@ -81,6 +97,7 @@ std::shared_ptr<ConnectionPage> connection_page_new(const Options& options,
                           buttons_new(page.get())}) {
     gtk_container_add(GTK_CONTAINER(page->widget), part);
   }
+  on_signal(page->form->config, "activate", [page = page.get()] { connection_page_connect(page); });
   connection_page_show(page.get(), ServiceStatus{});
   return page;
 }
@@ -89,7 +106,7 @@ GtkWidget* connection_page_widget(const ConnectionPage& page) { return page.widg
 
 void connection_page_show(ConnectionPage* page, const ServiceStatus& status) {
   const bool connected = status.phase == Phase::connected;
-  status_card_show(*page->card, status);
+  status_card_show(*page->card, status, connection_form_mode(*page->form));
   gtk_widget_set_sensitive(page->form->widget, can_connect(status.phase));
   gtk_widget_set_sensitive(page->connect, can_connect(status.phase));
   gtk_widget_set_sensitive(page->disconnect, can_disconnect(status));
@@ -103,17 +120,22 @@ void connection_page_show(ConnectionPage* page, const ServiceStatus& status) {
                              connection_form_mode(*page->form));
   }
   if (is_failed(status.phase)) failure_panel_show(page->failure.get(), status.failure);
+  keep_focus(*page);
 }
 
-void connection_page_connect(ConnectionPage* page) {
+bool connection_page_connect(ConnectionPage* page) {
   const std::string config = connection_form_config(*page->form);
+  const std::string fault = find_fault_in_config(config);
+  connection_form_complain(*page->form, fault);
+  if (!fault.empty()) return false;
   const std::string complaint = config == default_config_path() ? ensure_default_config() : "";
   if (!complaint.empty()) {
     service_client_fail(page->client.get(),
                         {"config_unwritable", "无法写入默认配置 " + config + "\n" + complaint, ""});
-    return;
+    return true;
   }
   service_client_connect(page->client.get(), config, connection_form_mode(*page->form));
+  return true;
 }
 
 }  // namespace preview

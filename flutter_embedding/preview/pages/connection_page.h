@@ -22,8 +22,9 @@ GtkWidget* connection_page_widget(const ConnectionPage& page);
 
 void connection_page_show(ConnectionPage* page, const ServiceStatus& status);
 
-// What the connect button does: a start with the chosen configuration and mode.
-void connection_page_connect(ConnectionPage* page);
+// What the connect button does: a start with the chosen configuration and mode. False when the form
+// says what is wrong with the configuration; then nothing begins.
+bool connection_page_connect(ConnectionPage* page);
 
 }  // namespace preview
 

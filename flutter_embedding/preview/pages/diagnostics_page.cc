@@ -16,7 +16,7 @@ struct DiagnosticsPage {
   GtkWidget* widget = nullptr;
   GtkStack* content = nullptr;  // "loading", "table" or "failed"
   GtkSpinner* spinner = nullptr;
-  GtkListBox* table = nullptr;
+  GtkGrid* table = nullptr;
   GtkWidget* refresh = nullptr;
   GtkWidget* copy = nullptr;
   std::vector<DiagnosticsRow> rows;
@@ -36,41 +36,27 @@ namespace {
 // first.
 constexpr unsigned k_paint_milliseconds = 300;
 
-GtkWidget* row_new(const DiagnosticsRow& row, GtkSizeGroup* captions) {
+void add_row(GtkGrid* table, int place, const DiagnosticsRow& row) {
   GtkWidget* caption = dim_label_new(row.label);
   GtkWidget* value = value_label_new(row.value.c_str());
   // Chinese letters are higher than Latin ones; the words still stand on one line.
   gtk_widget_set_valign(caption, GTK_ALIGN_BASELINE);
   gtk_widget_set_valign(value, GTK_ALIGN_BASELINE);
   add_style_class(value, "preview-value");
-  gtk_size_group_add_widget(captions, caption);
+  gtk_label_set_mnemonic_widget(GTK_LABEL(caption), value);
   if (row.tone == Tone::good) add_style_class(value, "preview-good");
+  if (row.tone == Tone::bad) add_style_class(value, "preview-bad");
   if (row.tone == Tone::absent) add_style_class(value, "dim-label");
-  GtkWidget* box = gtk_box_new(GTK_ORIENTATION_HORIZONTAL, k_margin);
-  g_object_set(box, "margin-start", k_spacing, "margin-end", k_spacing, "margin-top", 6,
-               "margin-bottom", 6, nullptr);
-  gtk_container_add(GTK_CONTAINER(box), caption);
-  gtk_container_add(GTK_CONTAINER(box), value);
-  GtkWidget* list_row = gtk_list_box_row_new();
-  gtk_list_box_row_set_activatable(GTK_LIST_BOX_ROW(list_row), FALSE);
-  gtk_widget_set_can_focus(list_row, FALSE);
-  gtk_container_add(GTK_CONTAINER(list_row), box);
-  return list_row;
+  gtk_grid_attach(table, caption, 0, place, 1, 1);
+  gtk_grid_attach(table, value, 1, place, 1, 1);
 }
 
-void put_line_between(GtkListBoxRow* row, GtkListBoxRow* before, gpointer) {
-  if (before != nullptr)
-    gtk_list_box_row_set_header(row, gtk_separator_new(GTK_ORIENTATION_HORIZONTAL));
-}
-
-void remove_from_list(GtkWidget* row, gpointer) { gtk_widget_destroy(row); }
+void remove_from_table(GtkWidget* child, gpointer) { gtk_widget_destroy(child); }
 
 void show_rows(DiagnosticsPage* page) {
-  gtk_container_foreach(GTK_CONTAINER(page->table), remove_from_list, nullptr);
-  g_autoptr(GtkSizeGroup) captions = gtk_size_group_new(GTK_SIZE_GROUP_HORIZONTAL);
-  for (const DiagnosticsRow& row : page->rows) {
-    gtk_container_add(GTK_CONTAINER(page->table), row_new(row, captions));
-  }
+  gtk_container_foreach(GTK_CONTAINER(page->table), remove_from_table, nullptr);
+  int place = 0;
+  for (const DiagnosticsRow& row : page->rows) add_row(page->table, place++, row);
   use_chinese_glyphs(GTK_WIDGET(page->table));
   gtk_widget_show_all(GTK_WIDGET(page->table));
 }
@@ -118,12 +104,14 @@ GtkWidget* note_new(const char* text, GtkWidget* above) {
 }
 
 GtkWidget* table_new(DiagnosticsPage* page) {
-  GtkWidget* list = gtk_list_box_new();
-  page->table = GTK_LIST_BOX(list);
-  gtk_list_box_set_selection_mode(page->table, GTK_SELECTION_NONE);
-  gtk_list_box_set_header_func(page->table, put_line_between, nullptr, nullptr);
-  atk_object_set_name(gtk_widget_get_accessible(list), "诊断结果");
-  GtkWidget* scrolled = scrolled_new(list);
+  GtkWidget* table = gtk_grid_new();
+  page->table = GTK_GRID(table);
+  gtk_grid_set_row_spacing(page->table, k_spacing);
+  gtk_grid_set_column_spacing(page->table, k_margin);
+  set_all_margins(table, k_spacing);
+  atk_object_set_name(gtk_widget_get_accessible(table), "诊断结果");
+  GtkWidget* scrolled = scrolled_new(table);
+  add_style_class(scrolled, "view");
   gtk_scrolled_window_set_shadow_type(GTK_SCROLLED_WINDOW(scrolled), GTK_SHADOW_IN);
   return scrolled;
 }

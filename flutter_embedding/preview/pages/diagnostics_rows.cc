@@ -5,7 +5,7 @@
 namespace preview {
 namespace {
 
-enum class Kind { text, flag };
+enum class Kind { text, flag, needed };  // without a needed one nothing works
 
 struct Entry {
   const char* key;
@@ -26,7 +26,7 @@ constexpr Entry k_entries[] = {
     {"appDir", "程序目录", Kind::text, "未知"},
     {"activeCore", "当前核心", Kind::text, "未知"},
     {"corePath", "核心路径", Kind::text, "未找到"},
-    {"coreExists", "核心可用", Kind::flag, "未知"},
+    {"coreExists", "核心可用", Kind::needed, "未知"},
     {"zantVersion", "核心版本", Kind::text, "未找到核心"},
     {"runtimeLogPath", "运行日志", Kind::text, "未知"},
 };
@@ -34,8 +34,8 @@ constexpr Entry k_entries[] = {
 DiagnosticsRow flag_row(const Entry& entry, FlValue* report) {
   const auto flag = bool_at(report, entry.key);
   if (!flag) return {entry.label, entry.when_empty, Tone::absent};
-  return *flag ? DiagnosticsRow{entry.label, "✓ 是", Tone::good}
-               : DiagnosticsRow{entry.label, "✗ 否", Tone::absent};
+  if (*flag) return {entry.label, "✓ 是", Tone::good};
+  return {entry.label, "✗ 否", entry.kind == Kind::needed ? Tone::bad : Tone::absent};
 }
 
 DiagnosticsRow text_row(const Entry& entry, FlValue* report) {
@@ -49,7 +49,7 @@ DiagnosticsRow text_row(const Entry& entry, FlValue* report) {
 std::vector<DiagnosticsRow> diagnostics_rows(FlValue* report) {
   std::vector<DiagnosticsRow> rows;
   for (const Entry& entry : k_entries) {
-    rows.push_back(entry.kind == Kind::flag ? flag_row(entry, report) : text_row(entry, report));
+    rows.push_back(entry.kind == Kind::text ? text_row(entry, report) : flag_row(entry, report));
   }
   return rows;
 }

@@ -8,7 +8,7 @@
 
 namespace preview {
 
-enum class Tone { plain, good, absent };
+enum class Tone { plain, good, bad, absent };
 
 struct DiagnosticsRow {
   const char* label;  // static

@@ -67,8 +67,10 @@ GtkWidget* config_row_new(ConnectionForm* form, const Options& options) {
   form->config = GTK_ENTRY(entry);
   gtk_entry_set_placeholder_text(form->config, "默认配置");
   gtk_widget_set_hexpand(entry, TRUE);
-  on_signal(entry, "changed",
-            [entry] { gtk_widget_set_tooltip_text(entry, gtk_entry_get_text(GTK_ENTRY(entry))); });
+  on_signal(entry, "changed", [entry, form] {
+    gtk_widget_set_tooltip_text(entry, gtk_entry_get_text(GTK_ENTRY(entry)));
+    gtk_widget_hide(GTK_WIDGET(form->complaint));
+  });
   show_path(form->config, options.config.empty() ? default_config_path() : options.config);
 
   GtkWidget* row = gtk_box_new(GTK_ORIENTATION_HORIZONTAL, 6);
@@ -102,18 +104,29 @@ std::unique_ptr<ConnectionForm> connection_form_new(const Options& options) {
   GtkGrid* grid = GTK_GRID(form->widget);
   gtk_grid_set_row_spacing(grid, k_spacing);
   gtk_grid_set_column_spacing(grid, k_spacing);
+  GtkWidget* complaint = value_label_new("");
+  form->complaint = GTK_LABEL(complaint);
+  add_style_class(complaint, "preview-bad");
+  hide_until_wanted(complaint);
   GtkWidget* config_row = config_row_new(form.get(), options);
   GtkWidget* mode_row = mode_row_new(form.get(), options);
   gtk_grid_attach(grid, caption_new("配置文件(_F)", GTK_WIDGET(form->config)), 0, 0, 1, 1);
   gtk_grid_attach(grid, config_row, 1, 0, 1, 1);
-  gtk_grid_attach(grid, dim_label_new("代理模式"), 0, 1, 1, 1);
-  gtk_grid_attach(grid, mode_row, 1, 1, 1, 1);
+  gtk_grid_attach(grid, complaint, 1, 1, 1, 1);
+  gtk_grid_attach(grid, dim_label_new("代理模式"), 0, 2, 1, 1);
+  gtk_grid_attach(grid, mode_row, 1, 2, 1, 1);
   return form;
 }
 
 std::string connection_form_config(const ConnectionForm& form) {
   const std::string path = entered_path(form.config);
   return path.empty() ? default_config_path() : path;
+}
+
+void connection_form_complain(const ConnectionForm& form, const std::string& complaint) {
+  gtk_label_set_text(form.complaint, complaint.c_str());
+  gtk_widget_set_visible(GTK_WIDGET(form.complaint), !complaint.empty());
+  if (!complaint.empty()) gtk_widget_grab_focus(GTK_WIDGET(form.config));
 }
 
 ProxyMode connection_form_mode(const ConnectionForm& form) {

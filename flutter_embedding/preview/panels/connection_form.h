@@ -16,12 +16,16 @@ struct ConnectionForm {
   GtkWidget* widget;
   GtkEntry* config;
   GtkToggleButton* no_system_proxy;
+  GtkLabel* complaint;  // about the path, below its field; hidden when there is none
 };
 
 std::unique_ptr<ConnectionForm> connection_form_new(const Options& options);
 
 // The chosen configuration's path in UTF-8; an emptied field means the ready-made one.
 std::string connection_form_config(const ConnectionForm& form);
+
+// Shows what is wrong with the path, until it changes.
+void connection_form_complain(const ConnectionForm& form, const std::string& complaint);
 
 ProxyMode connection_form_mode(const ConnectionForm& form);
 

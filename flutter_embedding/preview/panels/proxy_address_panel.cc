@@ -17,7 +17,9 @@ GtkLabel* add_row(GtkGrid* grid, int row, const char* caption, const char* copy_
   GtkWidget* value = value_label_new("");
   *copy_button =
       copy_button_new(copy_name, [value] { return gtk_label_get_text(GTK_LABEL(value)); });
-  gtk_grid_attach(grid, dim_label_new(caption), 0, row, 1, 1);
+  GtkWidget* label = dim_label_new(caption);
+  gtk_label_set_mnemonic_widget(GTK_LABEL(label), value);
+  gtk_grid_attach(grid, label, 0, row, 1, 1);
   gtk_grid_attach(grid, value, 1, row, 1, 1);
   gtk_grid_attach(grid, *copy_button, 2, row, 1, 1);
   return GTK_LABEL(value);

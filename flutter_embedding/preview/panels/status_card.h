@@ -22,7 +22,8 @@ struct StatusCard {
 
 std::unique_ptr<StatusCard> status_card_new();
 
-void status_card_show(const StatusCard& card, const ServiceStatus& status);
+// `mode` is that of the start.
+void status_card_show(const StatusCard& card, const ServiceStatus& status, ProxyMode mode);
 
 }  // namespace preview
 

@@ -68,7 +68,6 @@ GtkTextView* view_new(const char* accessible_name) {
   gtk_text_view_set_editable(view, FALSE);
   gtk_text_view_set_cursor_visible(view, FALSE);
   gtk_text_view_set_monospace(view, TRUE);
-  gtk_text_view_set_wrap_mode(view, GTK_WRAP_WORD_CHAR);
   gtk_text_view_set_left_margin(view, k_text_margin);
   gtk_text_view_set_right_margin(view, k_text_margin);
   gtk_text_view_set_top_margin(view, k_text_margin);
@@ -85,8 +84,8 @@ GtkTextView* view_new(const char* accessible_name) {
 TextPane text_pane_new(const char* accessible_name) {
   GtkTextView* view = view_new(accessible_name);
   GtkWidget* scrolled = scrolled_new(GTK_WIDGET(view));
-  // A line that was wrapped for a wide window must not keep the window from becoming narrow.
-  gtk_scrolled_window_set_policy(GTK_SCROLLED_WINDOW(scrolled), GTK_POLICY_EXTERNAL,
+  // Lines aren't wrapped: that would put hyphens into them, and takes long.
+  gtk_scrolled_window_set_policy(GTK_SCROLLED_WINDOW(scrolled), GTK_POLICY_AUTOMATIC,
                                  GTK_POLICY_AUTOMATIC);
   gtk_scrolled_window_set_shadow_type(GTK_SCROLLED_WINDOW(scrolled), GTK_SHADOW_IN);
   gtk_widget_set_vexpand(scrolled, TRUE);

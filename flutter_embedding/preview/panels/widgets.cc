@@ -7,10 +7,12 @@
 namespace preview {
 namespace {
 
+// The theme's own colours, mixed with that of its text: alone they are too pale to read.
 constexpr char k_style[] = R"(
 .preview-title { font-size: 160%; font-weight: bold; }
-.preview-good { color: @success_color; }
-.preview-bad { color: @error_color; }
+.preview-good { color: mix(@success_color, @theme_fg_color, 0.6); }
+.preview-bad { color: mix(@error_color, @theme_fg_color, 0.6); }
+.dim-label { opacity: 0.8; }
 .preview-value { font-size: 90%; }
 )";
 

@@ -61,7 +61,7 @@ void begin_drawing(Automation* automation) {
 void take_first_answer(Automation* automation) {
   if (!automation->options.connect) return begin_drawing(automation);
   automation->step = Step::outcome;
-  automation->actions.connect();
+  if (!automation->actions.connect()) begin_drawing(automation);
 }
 
 }  // namespace

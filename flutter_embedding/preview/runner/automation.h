@@ -18,7 +18,7 @@ namespace preview {
 struct Automation;
 
 struct AutomationActions {
-  std::function<void()> connect;
+  std::function<bool()> connect;  // false: it didn't begin, so no outcome will come
   std::function<void()> disconnect;
   std::function<bool()> is_drawn;  // the shown page has what it waits for, and nothing moves
   std::function<void()> take_screenshot;

@@ -3,6 +3,7 @@
 #include <glib.h>
 #include <glib/gstdio.h>
 
+#include <cstring>
 #include <nlohmann/json.hpp>
 
 namespace preview {
@@ -64,8 +65,22 @@ std::string ensure_default_config() {
   if (g_mkdir_with_parents(default_config_dir().c_str(), 0700) != 0) return g_strerror(errno);
   g_autoptr(GError) error = nullptr;
   const std::string text = default_config_text();
-  if (g_file_set_contents(path, text.data(), static_cast<gssize>(text.size()), &error)) return {};
+  // Configurations hold passwords.
+  if (g_file_set_contents_full(path, text.data(), static_cast<gssize>(text.size()),
+                               G_FILE_SET_CONTENTS_CONSISTENT, 0600, &error)) {
+    return {};
+  }
   return error->message;
+}
+
+std::string find_fault_in_config(const std::string& path) {
+  if (g_file_test(path.c_str(), G_FILE_TEST_IS_DIR)) return "这是一个文件夹，请选择配置文件";
+  if (!is_small_regular_file(path)) return {};
+  g_autofree char* text = nullptr;
+  if (!g_file_get_contents(path.c_str(), &text, nullptr, nullptr)) return {};
+  // Cores also take comments, and other things that JSON has not.
+  const char* first = text + strspn(text, " \t\r\n");
+  return *first == '{' || *first == '/' ? "" : "这不是 JSON 配置文件，请另选一个";
 }
 
 std::optional<int> mixed_port_of(const std::string& text) {

@@ -16,6 +16,10 @@ std::string default_config_text();
 // person's own version of it. Returns why it couldn't, or an empty string.
 std::string ensure_default_config();
 
+// What a person can see is wrong with a configuration's file before it is used: a folder, or no JSON.
+// Empty when there is nothing, or when the file can't be read; then the host says why.
+std::string find_fault_in_config(const std::string& path);
+
 // The port of the first mixed inbound in a configuration's text; nothing when the text isn't JSON
 // or has no such port.
 std::optional<int> mixed_port_of(const std::string& text);
