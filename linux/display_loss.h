@@ -1,10 +1,10 @@
 #ifndef CORVANA_DISPLAY_LOSS_H_
 #define CORVANA_DISPLAY_LOSS_H_
 
-// From now on, the end of the display server or of its connection is a way out like the others:
-// what the host has started and set is taken back, then the process ends with status 1. To be
-// called when the display is open. Main thread; where the engine uses an X11 connection on a thread
-// of its own, that thread may be the one that meets the loss and leaves.
+// From now on, when the connection to the display is lost, the host runs leave_cleanly() and ends
+// with status 1. On Wayland a loss that GDK meets first, while it draws, still ends the process at
+// once. To be called on the main thread, with the display open. Xlib may call the hook on another
+// thread that uses an X11 connection.
 void hook_display_loss();
 
 #endif

@@ -45,7 +45,7 @@ void hook_exit_signals(GApplication* application) {
   for (const int signal_number : k_exit_signals) {
     g_unix_signal_add(signal_number, on_unix_exit_signal, application);
   }
-  // Those sources end with their first signal. A second Ctrl-C must not end the process in the
-  // middle of the clean-up.
+  // Each source is removed by its first signal, which would restore the default action. This keeps
+  // the signals caught, so that a second Ctrl-C can't end the process in the middle of the clean-up.
   watch_exit_signals();
 }

@@ -40,7 +40,7 @@ int main(int argc, char** argv) {
   prepare_signals();
   const auto status = handle_arguments(argc, argv);
   if (status) return *status;
-  // With the limits of leaving no tool that hangs holds the login up.
+  // Switches on the time limits of leaving, so that a tool that hangs can't hold up the login.
   begin_leaving();
   run_guarded([] {
     if (is_environment_dropin_there() && !is_core_running()) clear_system_proxy();

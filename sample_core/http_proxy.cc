@@ -55,9 +55,8 @@ static std::optional<Destination> parse_absolute_form(const std::string& target)
   return Destination{*server, authority, path.substr(0, 1) == "/" ? path : "/" + path};
 }
 
-// The server is told to close after its answer, because what the client sends next may be meant for
-// another server; only behind the request for a web socket that can't be. The version stays the client's own: it gets the answer untouched and must be able
-// to read it.
+// Asks the server to close, because the client's next request may be meant for another server. A web
+// socket has to stay open. The version is the client's own, because the answer is passed on unchanged.
 static std::string origin_request_head(const HttpRequest& request, const Destination& destination) {
   std::string head = request.method + " " + destination.path + " " + request.version +
                      "\r\nHost: " + destination.authority + "\r\n";

@@ -98,8 +98,8 @@ static void end_core() {
   }
 }
 
-// The time without the pauses, which would hide what the host adds. That is far less than one pause,
-// whether the host pauses for the core's process or for its port.
+// Whole pauses of 100 ms are subtracted: they would hide what the host adds, which is far less than
+// one.
 static void measure(benchmark::State& state, bool (*action)()) {
   for (auto _ : state) {
     const auto begin = steady_clock::now();

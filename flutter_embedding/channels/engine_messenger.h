@@ -12,9 +12,9 @@ G_DECLARE_FINAL_TYPE(FlEngineMessenger, fl_engine_messenger, FL, ENGINE_MESSENGE
 
 FlEngineMessenger* fl_engine_messenger_new();
 
-// The engine is going: every handler, receiver and waiting reply callback is destroyed, what is
-// under way is dropped, and the messenger stays deaf for good. This also breaks the circle of
-// messenger, handler and channel.
+// Called when the engine is destroyed. Destroys every handler, receiver and waiting reply callback
+// and drops pending deliveries; the messenger ignores every later message. Also breaks the reference
+// cycle of messenger, handler and channel.
 void fl_engine_messenger_close(FlEngineMessenger* messenger);
 
 // Bytes are borrowed for the call. The reply is null when nobody handled the message.
@@ -30,7 +30,7 @@ void fl_engine_messenger_send_to_host(FlEngineMessenger* messenger, const char* 
 void fl_engine_messenger_set_receiver(FlEngineMessenger* messenger, const char* channel,
                                       MessageReceiver receiver);
 
-// Runs something of the user interface's in turn with the deliveries.
+// Runs `action` from the main loop, after what is already queued. A closed messenger drops it.
 void fl_engine_messenger_run_later(FlEngineMessenger* messenger, std::function<void()> action);
 
 #endif

@@ -6,8 +6,8 @@
 #include <functional>
 #include <utility>
 
-// The way back of one message. Every message gets a reply: when this goes unused, a null one, for
-// "nobody handled it". Main thread only.
+// Sends the reply to one message. If it is destroyed unused, it sends the null reply, which means
+// that nobody handled the message. Main thread only.
 class PendingReply {
  public:
   // Null bytes are the null reply. Gives false when the sender of the message is gone.

@@ -22,7 +22,7 @@ enum class WireType : uint8_t {
   float32_list = 14,
 };
 
-// A size below the first mark is its own byte; the marks announce one of two or four bytes.
+// A size below 254 is one byte. Mark 254 is followed by a size of two bytes, mark 255 by one of four.
 constexpr uint8_t k_two_byte_size_mark = 254;
 constexpr uint8_t k_four_byte_size_mark = 255;
 

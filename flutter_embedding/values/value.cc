@@ -73,14 +73,14 @@ FlValue* fl_value_new_map() { return value_new(ValueMap()).release(); }
 
 FlValue* fl_value_ref(FlValue* value) {
   g_return_val_if_fail(value != nullptr, nullptr);
-  // Nothing is read through the new reference that the old one doesn't already show.
+  // Relaxed: the caller already holds a reference, so there is nothing to synchronise.
   value->references.fetch_add(1, std::memory_order_relaxed);
   return value;
 }
 
 void fl_value_unref(FlValue* value) {
   g_return_if_fail(value != nullptr);
-  // What other threads did with the value before they let go comes before its end.
+  // Acquire-release: every other thread's use of the value happens before the delete.
   if (value->references.fetch_sub(1, std::memory_order_acq_rel) == 1) delete value;
 }
 

@@ -121,8 +121,8 @@ static void set_proxy_for(const Start& start) {
   if (start.mixed_port >= 1) apply_system_proxy(start.mixed_port, start.mixed_port);
 }
 
-// Right after the launch the core may be on its way from the shell into its own program, where the
-// termination command doesn't see it yet: so look again until none is left.
+// One kill can miss the process while it changes from the shell to the core's program. So repeat
+// until the probe finds no core, for at most k_kill_limit.
 static void end_launched_core() {
   const auto began = std::chrono::steady_clock::now();
   do {

@@ -43,8 +43,8 @@ static void stop_timer() {
   g_log_timer_id = 0;
 }
 
-// Up to one tick's worth of bytes from g_log_file_pos on; "" when there is nothing to be had. The
-// file is opened for each read, so that a log that was replaced is never followed by its old name.
+// Up to one tick's worth of bytes from g_log_file_pos on; "" when there are none. The file is opened
+// for each read: a descriptor kept open would still read the old file after a replacement.
 static std::string read_next_bytes(const std::string& path, int64_t file_size) {
   const UniqueFd file(open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK));
   if (!file) return "";

@@ -3,8 +3,8 @@
 
 #include <string>
 
-// Why the last start failed; three empty strings when there is nothing to tell. All UTF-8 but for
-// the log tail, which is bytes as the core wrote them.
+// Why the last start failed, or why a task got no thread; three empty strings when there is nothing
+// to tell. All UTF-8 but for the log tail, which is bytes as the core wrote them.
 struct LastError {
   std::string code;      // a fixed word for programs
   std::string message;   // Chinese text for people, may have several lines

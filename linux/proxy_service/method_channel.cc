@@ -43,7 +43,6 @@ static FlValue* stop_vpn(FlValue*) {
 }
 
 static FlValue* task_status(FlValue*) {
-  // The probe takes long, so it comes before the lock on the flags.
   const bool core_runs = is_core_running();
   const TaskState state = read_task_state();
   FlValue* const status = fl_value_new_map();

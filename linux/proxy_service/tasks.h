@@ -6,9 +6,9 @@
 // A start or a stop is a task with a worker thread of its own. Tasks run one at a time, in the order
 // in which their workers were started.
 
-// How the newest task stands. The user interface polls it.
+// What the user interface polls. With several tasks waiting, the first one to end sets `complete`.
 struct TaskState {
-  bool complete;  // the task that was announced last has finished or was refused
+  bool complete;  // a task has ended or was refused since the last one was announced
   bool result;    // the outcome of the task that finished last; kept while another one runs
 };
 
@@ -27,8 +27,8 @@ void run_task(const std::function<bool()>& task);
 // Any thread.
 void publish_task_result(bool result);
 
-// Waits until no worker runs. False when neither a worker nor a command of one has ended for
-// k_worker_silence_limit. Main thread, while the host is leaving.
+// Waits until no worker runs. False when the wait has lasted k_worker_silence_limit, and no shell
+// command has begun or ended in the process for as long. Main thread, while the host is leaving.
 bool wait_for_workers();
 
 #endif

@@ -30,7 +30,7 @@ bool path_exists(const std::string& path) {
   return std::filesystem::exists(std::filesystem::status(path, error));
 }
 
-// Non-blocking, so that a named pipe in a file's place ends in an error instead of a wait for ever.
+// Non-blocking, so that a named pipe in a file's place reads as an empty file instead of blocking.
 static int open_for_reading(const std::string& path) {
   return open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK);
 }
@@ -69,7 +69,8 @@ bool write_whole_file(const std::string& path, const std::string& text) {
   return true;
 }
 
-// A log that is still written to is read as long as it was at first; a device has no end.
+// A regular file is read up to its present size, because a log may grow as fast as it is read.
+// Anything else, such as a device, may have no end.
 static size_t size_to_read(int file) {
   struct stat status = {};
   const bool is_file = fstat(file, &status) == 0 && S_ISREG(status.st_mode);
@@ -99,7 +100,7 @@ std::string read_file_tail(const std::string& path, size_t max_lines) {
     tail.append(chunk.substr(start));
     if (tail.size() < trim_size) return;
     tail.erase(0, start_of_last_lines(tail, max_lines));
-    // Lines without an end aren't searched again before there is twice as much of them.
+    // Doubled, so that a very long line isn't searched again with every chunk.
     trim_size = std::max(k_chunk_size, 2 * tail.size());
   });
   tail.erase(0, start_of_last_lines(tail, max_lines));

@@ -5,7 +5,7 @@
 #include <csignal>
 
 // The flag that says that the host is leaving, and every time limit of leaving. Leaving can't be
-// undone. Everything here may be called on any thread.
+// undone. Any thread, except where another one is named.
 
 inline constexpr int k_exit_signals[] = {SIGTERM, SIGINT, SIGHUP};
 
@@ -41,7 +41,7 @@ bool is_wait_over(std::chrono::steady_clock::time_point began, std::chrono::mill
 // before there are workers.
 void watch_exit_signals();
 
-// From here on each of k_exit_signals ends the process again.
+// From here on each of k_exit_signals ends the process again. Main thread.
 void stop_watching_exit_signals();
 
 // Begins leaving when an exit signal has arrived since watch_exit_signals(). The main loop looks for

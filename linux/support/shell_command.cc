@@ -23,10 +23,11 @@ using std::chrono::steady_clock;
 void prepare_signals() {
   // A console that has gone away must not end the process before it has taken the proxy back.
   std::signal(SIGPIPE, SIG_IGN);
-  // Commands run in the terminal's background, where a warning would stop a tool.
+  // Commands inherit this. They run in a background process group, which the terminal would stop when
+  // a command reads from it or writes to it.
   std::signal(SIGTTOU, SIG_IGN);
   std::signal(SIGTTIN, SIG_IGN);
-  // A launcher that ignores this leaves no way to learn how a command has ended.
+  // If the launcher has ignored SIGCHLD, waitpid() gives no exit status.
   std::signal(SIGCHLD, SIG_DFL);
 }
 
@@ -60,8 +61,8 @@ static void set_output(posix_spawn_file_actions_t* actions, int output) {
   }
 }
 
-// SIGPIPE, which the host ignores, ends a command as anywhere else. A Ctrl-Z between the fork and the
-// new process group is meant for the host: stopped before its exec, the shell would hold it up.
+// Commands get SIGPIPE's default action back. SIGTSTP is blocked: before the child is in its own
+// process group a Ctrl-Z would stop it, and posix_spawn(), which waits for its exec, would block.
 static void set_signals(posix_spawnattr_t* attributes) {
   sigset_t defaults, blocked;
   sigemptyset(&defaults);
@@ -94,8 +95,9 @@ static pid_t start_shell(const std::string& command, int output) {
   return error == 0 ? shell : -1;
 }
 
-// False when the shell has ended, with `status`. One that a Ctrl-Z has stopped goes on.
-static bool is_shell_running(pid_t shell, int& status) {
+// False once the shell has ended and is reaped; `status` is then its wait status. A shell that a
+// Ctrl-Z has stopped is resumed.
+static bool reap_or_resume_shell(pid_t shell, int& status) {
   const pid_t changed = waitpid(shell, &status, WNOHANG | WUNTRACED);
   if (changed == 0) return true;
   if (changed < 0 || !WIFSTOPPED(status)) return false;
@@ -103,13 +105,13 @@ static bool is_shell_running(pid_t shell, int& status) {
   return true;
 }
 
-// The wait status, or nothing when `is_over` before the shell has ended. Where the kernel gives no
-// descriptor for the process, poll() only takes up the time between two looks.
+// The wait status, or nothing when `is_over` before the shell has ended. Without pidfd_open() the
+// descriptor is -1, and poll() only sleeps for k_look_interval.
 static std::optional<int> wait_for_shell(pid_t shell, const std::function<bool()>& is_over) {
   const UniqueFd shell_fd(static_cast<int>(syscall(SYS_pidfd_open, shell, 0)));
   pollfd ended = {shell_fd.get(), POLLIN, 0};
   int status = -1;
-  while (is_shell_running(shell, status)) {
+  while (reap_or_resume_shell(shell, status)) {
     if (poll(&ended, 1, static_cast<int>(k_look_interval.count())) <= 0 && is_over()) return {};
   }
   note_activity();

@@ -9,7 +9,7 @@
 #include "system_proxy/desktop_environment.h"
 #include "system_proxy/proxy_env_files.h"
 
-// Written by the workers, read by the main thread when the host leaves.
+// Workers and the main thread read and write it.
 static std::atomic<bool> g_proxy_without_core{false};
 
 void note_proxy_without_core() { g_proxy_without_core = true; }

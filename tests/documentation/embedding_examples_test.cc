@@ -23,7 +23,7 @@ static std::string page_for(const TemporaryHome& home) {
   g_autofree gchar* app_dir = g_strdup_printf("07 %02zx \"%s\"", dir.size(), dir.c_str());
   std::string page = read_file(DOCS "/embedding.md");
   page = std::regex_replace(page, std::regex("<appDir>"), app_dir);
-  return std::regex_replace(page, std::regex("/home/ann.miller"), home.path());
+  return std::regex_replace(page, std::regex("/home/flutterapp"), home.path());
 }
 
 static std::string bytes_of(const std::string& notation) {

@@ -9,7 +9,7 @@
 
 #include "support/temporary_home.h"
 
-// A core that writes a line for each that is read.
+// A log that grows by a line with each read().
 static int g_lines_to_write = 0;
 
 extern "C" ssize_t read(int file, void* buffer, size_t size) {

@@ -85,6 +85,8 @@ const float* fl_value_get_float32_list(FlValue* value);
 
 // The number of a map's entries or of any list's elements.
 size_t fl_value_get_length(FlValue* value);
+
+// Borrowed. An index beyond the end reports a critical and gives null.
 FlValue* fl_value_get_list_value(FlValue* list, size_t index);
 FlValue* fl_value_get_map_key(FlValue* map, size_t index);
 FlValue* fl_value_get_map_value(FlValue* map, size_t index);
