@@ -5,6 +5,8 @@ execute_process(COMMAND ${GZIP} -9nc ${debian}/changelog
   OUTPUT_FILE ${changelog} COMMAND_ERROR_IS_FATAL ANY)
 set_property(DIRECTORY APPEND PROPERTY CMAKE_CONFIGURE_DEPENDS ${debian}/changelog)
 
+# dpkg asks before it replaces what somebody has changed there.
+file(WRITE ${CMAKE_CURRENT_BINARY_DIR}/conffiles "/etc/xdg/autostart/corvana-proxy-reset.desktop\n")
 configure_file(${debian}/prerm.in ${CMAKE_CURRENT_BINARY_DIR}/prerm @ONLY)
 
 install(FILES ${changelog} ${debian}/copyright
@@ -30,11 +32,13 @@ set(CPACK_PACKAGING_INSTALL_PREFIX /)
 set(CPACK_INSTALL_CMAKE_PROJECTS
   ${CMAKE_BINARY_DIR} ${PROJECT_NAME} bundle ${CORVANA_INSTALLED_BUNDLE}
   ${CMAKE_BINARY_DIR} ${PROJECT_NAME} system /usr
+  ${CMAKE_BINARY_DIR} ${PROJECT_NAME} configuration /etc
   ${CMAKE_BINARY_DIR} ${PROJECT_NAME} debian /usr)
 
 set(CPACK_DEBIAN_FILE_NAME DEB-DEFAULT)
 set(CPACK_DEBIAN_PACKAGE_SECTION net)
-set(CPACK_DEBIAN_PACKAGE_CONTROL_EXTRA ${CMAKE_CURRENT_BINARY_DIR}/prerm)
+set(CPACK_DEBIAN_PACKAGE_CONTROL_EXTRA
+  ${CMAKE_CURRENT_BINARY_DIR}/conffiles ${CMAKE_CURRENT_BINARY_DIR}/prerm)
 set(CPACK_DEBIAN_PACKAGE_CONTROL_STRICT_PERMISSION ON)
 # The libraries come from what the program is linked with. Here are pkill, which ends the core, and ps,
 # which names the desktop.

@@ -7,6 +7,9 @@ shopt -s inherit_errexit
 
 script_dir=$(dirname -- "$(realpath -- "${BASH_SOURCE[0]}")")
 readonly script_dir record_name=.install-manifest core_file=bin/zant
+# Where each session starts the login program, and where systemd takes a session's environment from.
+readonly login_entry=/etc/xdg/autostart/corvana-proxy-reset.desktop
+readonly generator=/usr/lib/systemd/user-environment-generators/40-corvana
 readonly required_files=(Corvana lib/libflutter_linux_gtk.so logo.png)
 
 action=install
@@ -43,7 +46,8 @@ Usage:
   --help           shows this text
 
 Where the program is in place already, for example from a package, only the core is added.
-Installing to /opt/corvana needs root (sudo); a folder of your own doesn't.
+Installing to /opt/corvana needs root (sudo); a folder of your own doesn't. Run by root, the script also has each login
+take back a system proxy that a power cut has left behind; linux/packaging/README.md says how to switch that off.
 TEXT
 }
 
@@ -62,6 +66,7 @@ usage_in_chinese() {
 
 程序已在安装位置时（例如由软件包安装），只放入核心。
 安装到 /opt/corvana 需要管理员权限（sudo）；安装到自己的目录则不需要。
+由 root 运行时，还会让每次登录收回断电等情况留下的系统代理；关闭方法见 linux/packaging/README.md。
 TEXT
 }
 
@@ -238,6 +243,27 @@ running_processes() {
   done < <(find /proc -mindepth 2 -maxdepth 2 -path '/proc/[0-9]*/exe' -printf '%h\0%l\0' 2>/dev/null || true)
 }
 
+# Of a package, of another installation, or of this one.
+is_own_login_entry() { grep -qsxF "Exec=\"$prefix/corvana-proxy-reset\"" "$login_entry"; }
+
+# One such entry on a system is enough. The characters are those that an entry's Exec line reserves even in quotes.
+install_login_program() {
+  local entry
+  [[ $EUID == 0 && ! $bundle -ef $prefix && $prefix != *[\"\`\$\\%]* ]] || return 0
+  if [[ -e $login_entry ]] && ! is_own_login_entry; then return 0; fi
+  mkdir -p -- "$(dirname -- "$login_entry")" "$(dirname -- "$generator")"
+  entry=$(<"$bundle/linux/packaging/login/corvana-proxy-reset.desktop.in")
+  printf '%s\n' "${entry//@CORVANA_INSTALLED_BUNDLE@/"$prefix"}" >"$login_entry"
+  place "$bundle/linux/packaging/login/40-corvana" "$generator"
+}
+
+# The record tells a core that was added to a package's files from an installation.
+remove_login_program() {
+  if [[ $EUID == 0 ]] && is_own_login_entry && grep -qx corvana-proxy-reset <<<"$1"; then
+    rm -f -- "$login_entry" "$generator"
+  fi
+}
+
 install_bundle() {
   local files folders
   require_bundle
@@ -254,6 +280,7 @@ install_bundle() {
   printf '%s\n' "$(recorded)" "$folders" "$files" | write_record
   place_files "$files"
   remove_outdated "$files"
+  install_login_program
   say "已安装到 $prefix，启动：$prefix/Corvana" "installed to $prefix; start it with $prefix/Corvana"
   if [[ -n $(running_processes) ]]; then
     say "程序正在运行，重新启动后才使用新文件" "the program is running, and uses the new files after a restart"
@@ -287,6 +314,7 @@ uninstall() {
     "$prefix has no record of this script, so there is nothing to uninstall"
   require_writable
   refuse_while_running
+  remove_login_program "$record"
   files_only <<<"$record" | remove_recorded
   rm -f -- "$prefix/$record_name"
   folders_only <<<"$record" | sort -r | remove_recorded
