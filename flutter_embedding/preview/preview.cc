@@ -100,11 +100,11 @@ void make_root(Preview* preview) {
   on_signal(preview->root, "destroy", [preview] { preview->life.reset(); });
 }
 
-void turn_page(Preview* preview, int step) {
+void turn_page(Preview* preview, bool forward) {
   g_autoptr(GList) pages = gtk_container_get_children(GTK_CONTAINER(preview->pages));
-  const int place = g_list_index(pages, gtk_stack_get_visible_child(preview->pages)) + step;
-  auto* page = static_cast<GtkWidget*>(place < 0 ? nullptr : g_list_nth_data(pages, place));
-  if (page != nullptr) gtk_stack_set_visible_child(preview->pages, page);
+  const GList* shown = g_list_find(pages, gtk_stack_get_visible_child(preview->pages));
+  const GList* next = forward ? shown->next : shown->prev;
+  if (next != nullptr) gtk_stack_set_visible_child(preview->pages, GTK_WIDGET(next->data));
 }
 
 bool take_key(Preview* preview, guint key) {
@@ -114,10 +114,10 @@ bool take_key(Preview* preview, guint key) {
       close_window(*preview);
       return true;
     case GDK_KEY_Page_Up:
-      turn_page(preview, -1);
+      turn_page(preview, false);
       return true;
     case GDK_KEY_Page_Down:
-      turn_page(preview, 1);
+      turn_page(preview, true);
       return true;
     default:
       return false;
