@@ -62,6 +62,11 @@ END {
       ratio("window_host", "window_bare"), "x", 1.2, \
       sprintf("%.0f ms and %.0f ms; by processor time %.3gx", figure("window_host"), figure("window_bare"), \
               ratio("window_processor_host", "window_processor_bare")))
+  row("processor time of a login with no proxy left", "/bin/true", figure("login"), " ms", 10, \
+      sprintf("%.1f ms, so %.2gx; both with the fork of a shell", figure("true"), ratio("login", "true")))
+  row("resident memory of the same", "/bin/true", figure("login_memory") / 1024, " MiB", 10, \
+      sprintf("%.1f MiB, so %.2gx; loads %s", figure("true_memory") / 1024, ratio("login_memory", "true_memory"), \
+              figure("login_libraries")))
   print "Medians but where it says otherwise, of runs in turns. Functions and pgrep are measured in processor time."
   exit status
 }

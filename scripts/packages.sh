@@ -33,7 +33,7 @@ test_packages=(
 )
 
 check_packages=(clang clang-format clang-tidy cmark-gfm cppcheck python3 shellcheck)
-bench_packages=(bubblewrap libbenchmark-dev)
+bench_packages=(bubblewrap libbenchmark-dev time)
 
 # The package, and what checks it; the unit is checked in the sandbox, the login with a real session there.
 packaging_packages=(appstream bubblewrap desktop-file-utils dpkg-dev lintian systemd xfce4-session)
