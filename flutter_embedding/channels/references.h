@@ -1,5 +1,5 @@
-// Shared ownership of GLib's counted things for what a std::function captures: the reference goes
-// when the function goes.
+// Shared ownership of GLib's counted things for captures and members: the reference goes with the
+// last copy.
 
 #ifndef CORVANA_FLUTTER_EMBEDDING_CHANNELS_REFERENCES_H_
 #define CORVANA_FLUTTER_EMBEDDING_CHANNELS_REFERENCES_H_

@@ -4,7 +4,6 @@
 
 #include "flutter_embedding/codec/codec_error.h"
 #include "flutter_embedding/codec/wire_format.h"
-#include "flutter_embedding/values/value_index.h"
 
 namespace {
 
@@ -114,20 +113,14 @@ ValueRef read_list(MessageReader& reader, int depth, GError** error) {
 ValueRef read_map(MessageReader& reader, int depth, GError** error) {
   size_t count = 0;
   if (!read_size(reader, &count, error)) return nullptr;
-  ValueMap entries;
-  ValueIndex index;
+  ValueRef map(fl_value_new_map());
   for (size_t i = 0; i < count; ++i) {
     ValueRef key = read_nested(reader, depth + 1, error);
     ValueRef value = key == nullptr ? nullptr : read_nested(reader, depth + 1, error);
     if (value == nullptr) return nullptr;
-    const auto [found, is_new] = index.try_emplace(key.get(), entries.size());
-    if (is_new) {
-      entries.emplace_back(std::move(key), std::move(value));
-    } else {
-      entries[found->second].second = std::move(value);
-    }
+    fl_value_set_take(map.get(), key.release(), value.release());
   }
-  return value_new(std::move(entries));
+  return map;
 }
 
 ValueRef read_nested(MessageReader& reader, int depth, GError** error) {

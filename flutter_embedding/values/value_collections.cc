@@ -3,7 +3,6 @@
 #include <type_traits>
 
 #include "flutter_embedding/values/value.h"
-#include "flutter_embedding/values/value_index.h"
 
 namespace {
 
@@ -52,12 +51,10 @@ bool same_content(const ValueList& a, const ValueList& b) {
 
 bool same_content(const ValueMap& a, const ValueMap& b) {
   if (a.size() != b.size()) return false;
-  ValueIndex index_of_b;
-  for (size_t i = 0; i < b.size(); ++i) index_of_b.try_emplace(b[i].first.get(), i);
   return std::all_of(a.begin(), a.end(), [&](const auto& entry) {
-    const auto found = index_of_b.find(entry.first.get());
-    return found != index_of_b.end() &&
-           fl_value_equal(b[found->second].second.get(), entry.second.get());
+    FlValue* key = entry.first.get();
+    FlValue* value = find_value(b, [key](FlValue* other) { return fl_value_equal(other, key); });
+    return value != nullptr && fl_value_equal(value, entry.second.get());
   });
 }
 

@@ -1,8 +1,8 @@
 #include "flutter_embedding/preview/pages/diagnostics_page.h"
 
-#include <utility>
 #include <vector>
 
+#include "flutter_embedding/channels/references.h"
 #include "flutter_embedding/preview/pages/diagnostics_rows.h"
 #include "flutter_embedding/preview/panels/widgets.h"
 #include "flutter_embedding/preview/runner/service_client.h"
@@ -11,7 +11,7 @@
 namespace preview {
 
 struct DiagnosticsPage {
-  FlBinaryMessenger* messenger;
+  std::shared_ptr<FlBinaryMessenger> messenger;
   Life life;
   GtkWidget* widget = nullptr;
   GtkStack* content = nullptr;  // "loading", "table" or "failed"
@@ -22,12 +22,6 @@ struct DiagnosticsPage {
   std::vector<DiagnosticsRow> rows;
   bool loading = false;
   bool loaded = false;
-
-  DiagnosticsPage(FlBinaryMessenger* the_messenger, Life the_life)
-      : messenger(FL_BINARY_MESSENGER(g_object_ref(the_messenger))), life(std::move(the_life)) {}
-  ~DiagnosticsPage() { g_object_unref(messenger); }
-  DiagnosticsPage(const DiagnosticsPage&) = delete;
-  DiagnosticsPage& operator=(const DiagnosticsPage&) = delete;
 };
 
 namespace {
@@ -77,7 +71,7 @@ void show_answer(DiagnosticsPage* page, const UiReply& reply) {
 }
 
 void ask(DiagnosticsPage* page) {
-  ui_invoke_method(page->messenger, k_service_channel, "getDiagnostics", nullptr,
+  ui_invoke_method(page->messenger.get(), k_service_channel, "getDiagnostics", nullptr,
                    [page, life = page->life](const UiReply& reply) {
                      if (!life.expired()) show_answer(page, reply);
                    });
@@ -144,7 +138,9 @@ GtkWidget* tools_new(DiagnosticsPage* page) {
 
 std::shared_ptr<DiagnosticsPage> diagnostics_page_new(FlBinaryMessenger* messenger,
                                                       const Life& life) {
-  auto page = std::make_shared<DiagnosticsPage>(messenger, life);
+  auto page = std::make_shared<DiagnosticsPage>();
+  page->messenger = share_object(messenger);
+  page->life = life;
   page->widget = gtk_box_new(GTK_ORIENTATION_VERTICAL, k_spacing);
   set_all_margins(page->widget, k_margin);
   gtk_container_add(GTK_CONTAINER(page->widget), content_new(page.get()));

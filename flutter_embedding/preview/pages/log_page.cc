@@ -2,8 +2,8 @@
 
 #include <string>
 #include <string_view>
-#include <utility>
 
+#include "flutter_embedding/channels/references.h"
 #include "flutter_embedding/guarded.h"
 #include "flutter_embedding/preview/panels/text_pane.h"
 #include "flutter_embedding/preview/panels/widgets.h"
@@ -12,25 +12,16 @@
 namespace preview {
 
 struct LogPage {
-  FlBinaryMessenger* messenger;
+  std::shared_ptr<FlBinaryMessenger> messenger;
   Life life;
   GtkWidget* widget = nullptr;
   TextPane pane = {};
   // The view has it only while it is on the screen: lines that nobody sees need no layout.
-  GtkTextBuffer* buffer = nullptr;
+  std::shared_ptr<GtkTextBuffer> buffer;
   GtkWidget* empty_note = nullptr;
   GtkLabel* line_count = nullptr;
   GtkWidget* to_end = nullptr;  // there only while the view doesn't follow
   bool follows_end = true;
-
-  LogPage(FlBinaryMessenger* the_messenger, Life the_life)
-      : messenger(FL_BINARY_MESSENGER(g_object_ref(the_messenger))), life(std::move(the_life)) {}
-  ~LogPage() {
-    g_clear_object(&buffer);
-    g_object_unref(messenger);
-  }
-  LogPage(const LogPage&) = delete;
-  LogPage& operator=(const LogPage&) = delete;
 };
 
 namespace {
@@ -39,8 +30,8 @@ constexpr char k_channel[] = "com.corvana.channel/log_stream";
 constexpr std::string_view k_clear_event = "__clear__";
 
 void show_line_count(LogPage* page) {
-  const bool empty = gtk_text_buffer_get_char_count(page->buffer) == 0;
-  const int lines = empty ? 0 : gtk_text_buffer_get_line_count(page->buffer);
+  const bool empty = gtk_text_buffer_get_char_count(page->buffer.get()) == 0;
+  const int lines = empty ? 0 : gtk_text_buffer_get_line_count(page->buffer.get());
   std::string text = std::to_string(lines) + " 行";
   if (lines == k_max_log_lines) text += "（最新部分）";
   gtk_label_set_text(page->line_count, text.c_str());
@@ -53,7 +44,7 @@ void set_follows_end(LogPage* page, bool follows_end) {
 }
 
 void clear(LogPage* page) {
-  gtk_text_buffer_set_text(page->buffer, "", 0);
+  gtk_text_buffer_set_text(page->buffer.get(), "", 0);
   set_follows_end(page, true);
   show_line_count(page);
 }
@@ -62,7 +53,7 @@ void take_event(LogPage* page, FlValue* event) {
   if (event == nullptr || fl_value_get_type(event) != FL_VALUE_TYPE_STRING) return;
   const std::string_view text = fl_value_get_string(event);
   if (text == k_clear_event) return clear(page);
-  log_view_append(page->buffer, text);
+  log_view_append(page->buffer.get(), text);
   show_line_count(page);
 }
 
@@ -116,12 +107,12 @@ std::string selected_or_all(GtkTextBuffer* buffer) {
 
 GtkWidget* pane_new(LogPage* page) {
   page->pane = text_pane_new("核心日志");
-  page->buffer = GTK_TEXT_BUFFER(g_object_ref(page->pane.buffer));
+  page->buffer = share_object(page->pane.buffer);
   gtk_text_view_set_buffer(page->pane.view, nullptr);
   text_pane_follow_end(page->pane, [page] { return page->follows_end; });
   watch_scrolling(page);
   on_signal(page->pane.view, "map",
-            [page] { gtk_text_view_set_buffer(page->pane.view, page->buffer); });
+            [page] { gtk_text_view_set_buffer(page->pane.view, page->buffer.get()); });
   on_signal(page->pane.view, "unmap",
             [page] { gtk_text_view_set_buffer(page->pane.view, nullptr); });
 
@@ -151,7 +142,7 @@ GtkWidget* tools_new(LogPage* page) {
   gtk_container_add(GTK_CONTAINER(tools), page->to_end);
   gtk_container_add(GTK_CONTAINER(tools),
                     copy_button_new("复制选中的日志，未选中时复制全部",
-                                    [page] { return selected_or_all(page->buffer); }));
+                                    [page] { return selected_or_all(page->buffer.get()); }));
   gtk_container_add(GTK_CONTAINER(tools), button_new("清空", [page] { clear(page); }));
   return tools;
 }
@@ -159,7 +150,9 @@ GtkWidget* tools_new(LogPage* page) {
 }  // namespace
 
 std::shared_ptr<LogPage> log_page_new(FlBinaryMessenger* messenger, const Life& life) {
-  auto page = std::make_shared<LogPage>(messenger, life);
+  auto page = std::make_shared<LogPage>();
+  page->messenger = share_object(messenger);
+  page->life = life;
   page->widget = gtk_box_new(GTK_ORIENTATION_VERTICAL, k_spacing);
   set_all_margins(page->widget, k_margin);
   gtk_container_add(GTK_CONTAINER(page->widget), pane_new(page.get()));
@@ -171,7 +164,7 @@ std::shared_ptr<LogPage> log_page_new(FlBinaryMessenger* messenger, const Life& 
 GtkWidget* log_page_widget(const LogPage& page) { return page.widget; }
 
 void log_page_listen(LogPage* page) {
-  ui_listen(page->messenger, k_channel, [page, life = page->life](FlValue* event) {
+  ui_listen(page->messenger.get(), k_channel, [page, life = page->life](FlValue* event) {
     if (!life.expired()) take_event(page, event);
   });
 }

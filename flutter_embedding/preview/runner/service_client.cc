@@ -2,12 +2,13 @@
 
 #include <utility>
 
+#include "flutter_embedding/channels/references.h"
 #include "flutter_embedding/ui_channel.h"
 
 namespace preview {
 
 struct ServiceClient {
-  FlBinaryMessenger* messenger;
+  std::shared_ptr<FlBinaryMessenger> messenger;
   Life life;
   std::function<void(const ServiceStatus&)> on_change;
   ServiceStatus status;
@@ -16,15 +17,6 @@ struct ServiceClient {
   bool task_was_seen = false;  // under way
   // Answers in a row that the core's presence contradicts, or that say nothing at all.
   unsigned contradictions = 0;
-
-  ServiceClient(FlBinaryMessenger* the_messenger, Life the_life,
-                std::function<void(const ServiceStatus&)> callback)
-      : messenger(FL_BINARY_MESSENGER(g_object_ref(the_messenger))),
-        life(std::move(the_life)),
-        on_change(std::move(callback)) {}
-  ~ServiceClient() { g_object_unref(messenger); }
-  ServiceClient(const ServiceClient&) = delete;
-  ServiceClient& operator=(const ServiceClient&) = delete;
 };
 
 namespace {
@@ -52,7 +44,7 @@ void ask(ServiceClient* client);
 
 void call(ServiceClient* client, const char* method, FlValue* args,
           std::function<void(const UiReply&)> on_reply) {
-  ui_invoke_method(client->messenger, k_service_channel, method, args,
+  ui_invoke_method(client->messenger.get(), k_service_channel, method, args,
                    [life = client->life, on_reply = std::move(on_reply)](const UiReply& reply) {
                      if (!life.expired()) on_reply(reply);
                    });
@@ -164,7 +156,11 @@ void ask(ServiceClient* client) {
 std::shared_ptr<ServiceClient> service_client_new(
     FlBinaryMessenger* messenger, const Life& life,
     std::function<void(const ServiceStatus&)> on_change) {
-  return std::make_shared<ServiceClient>(messenger, life, std::move(on_change));
+  auto client = std::make_shared<ServiceClient>();
+  client->messenger = share_object(messenger);
+  client->life = life;
+  client->on_change = std::move(on_change);
+  return client;
 }
 
 void service_client_check(ServiceClient* client) { ask(client); }
