@@ -27,10 +27,7 @@ static UiReply reply_from(FlMethodResponse* response) {
 }
 
 static void decode_and_pass_on(GBytes* bytes, const std::function<void(const UiReply&)>& receiver) {
-  if (bytes == nullptr) {
-    receiver({});
-    return;
-  }
+  if (bytes == nullptr) return receiver({});
   g_autoptr(GError) error = nullptr;
   g_autoptr(FlMethodResponse) response = decode_reply(bytes, &error);
   receiver(response == nullptr ? codec_failure(error) : reply_from(response));
@@ -76,11 +73,8 @@ void ui_listen(FlBinaryMessenger* messenger, const char* channel,
   // The receiver goes with the messenger at the latest, so it may point at it.
   fl_engine_messenger_set_receiver(
       wire, channel, [wire, name = std::string(channel), pass_on](GBytes* message) {
-        if (g_bytes_get_size(message) == 0) {
-          fl_engine_messenger_set_receiver(wire, name.c_str(), nullptr);
-          return;
-        }
-        decode_and_pass_on(message, pass_on);
+        if (g_bytes_get_size(message) > 0) return decode_and_pass_on(message, pass_on);
+        fl_engine_messenger_set_receiver(wire, name.c_str(), nullptr);
       });
   ui_invoke_method(messenger, channel, "listen", nullptr,
                    [name = std::string(channel)](const UiReply& reply) {

@@ -46,25 +46,23 @@ struct ValueWriter {
   }
 
   bool put_size(size_t size) {
+    if (size > std::numeric_limits<uint32_t>::max()) {
+      g_set_error(error, codec_error_quark(), CODEC_ERROR_TOO_LARGE,
+                  "A size of %" G_GSIZE_FORMAT " doesn't fit into a message", size);
+      return false;
+    }
     if (size < k_two_byte_size_mark) {
       message.push_back(static_cast<uint8_t>(size));
-      return true;
-    }
-    if (size <= std::numeric_limits<uint16_t>::max()) {
+    } else if (size <= std::numeric_limits<uint16_t>::max()) {
       const auto narrow = static_cast<uint16_t>(size);
       message.push_back(k_two_byte_size_mark);
       put_numbers(&narrow, 1);
-      return true;
-    }
-    if (size <= std::numeric_limits<uint32_t>::max()) {
+    } else {
       const auto narrow = static_cast<uint32_t>(size);
       message.push_back(k_four_byte_size_mark);
       put_numbers(&narrow, 1);
-      return true;
     }
-    g_set_error(error, codec_error_quark(), CODEC_ERROR_TOO_LARGE,
-                "A size of %" G_GSIZE_FORMAT " doesn't fit into a message", size);
-    return false;
+    return true;
   }
 
   bool operator()(std::monostate) {

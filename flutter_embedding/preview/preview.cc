@@ -119,6 +119,10 @@ bool take_key(Preview* preview, guint key) {
     case GDK_KEY_Page_Down:
       turn_page(preview, true);
       return true;
+    case GDK_KEY_f:
+      gtk_stack_set_visible_child_name(preview->pages, "log");
+      log_page_search(preview->log.get());
+      return true;
     default:
       return false;
   }

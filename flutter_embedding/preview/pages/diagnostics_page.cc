@@ -1,21 +1,26 @@
 #include "flutter_embedding/preview/pages/diagnostics_page.h"
 
+#include <string>
 #include <vector>
 
 #include "flutter_embedding/channels/references.h"
-#include "flutter_embedding/preview/pages/diagnostics_rows.h"
 #include "flutter_embedding/preview/panels/widgets.h"
 #include "flutter_embedding/preview/runner/service_client.h"
 #include "flutter_embedding/ui_channel.h"
 
 namespace preview {
 
+struct DiagnosticsRow {
+  const char* label;
+  std::string value;  // never empty, valid UTF-8
+  const char* style_class;
+};
+
 struct DiagnosticsPage {
   std::shared_ptr<FlBinaryMessenger> messenger;
   Life life;
   GtkWidget* widget = nullptr;
   GtkStack* content = nullptr;  // "loading", "table" or "failed"
-  GtkSpinner* spinner = nullptr;
   GtkGrid* table = nullptr;
   GtkWidget* refresh = nullptr;
   GtkWidget* copy = nullptr;
@@ -25,6 +30,57 @@ struct DiagnosticsPage {
 };
 
 namespace {
+
+enum class Kind { text, flag, needed };  // without a needed one nothing works
+
+struct Entry {
+  const char* key;
+  const char* label;
+  Kind kind;
+  const char* when_empty;
+};
+
+constexpr Entry k_entries[] = {
+    {"desktop", "桌面环境", Kind::text, "未知"},
+    {"sessionType", "会话类型", Kind::text, "未设置"},
+    {"hasLibproxy", "libproxy 库", Kind::flag, "未知"},
+    {"hasTunDevice", "TUN 设备", Kind::flag, "未知"},
+    {"hasZantSystem", "系统路径中有核心", Kind::flag, "未知"},
+    {"helperActive", "辅助服务已启动", Kind::flag, "未知"},
+    {"hasGsettings", "gsettings 工具", Kind::flag, "未知"},
+    {"hasKwriteconfig", "kwriteconfig 工具", Kind::flag, "未知"},
+    {"appDir", "程序目录", Kind::text, "未知"},
+    {"activeCore", "当前核心", Kind::text, "未知"},
+    {"corePath", "核心路径", Kind::text, "未找到"},
+    {"coreExists", "核心可用", Kind::needed, "未知"},
+    {"zantVersion", "核心版本", Kind::text, "未找到核心"},
+    {"runtimeLogPath", "运行日志", Kind::text, "未知"},
+};
+
+constexpr char k_plain[] = "preview-value";
+constexpr char k_good[] = "preview-good";
+constexpr char k_bad[] = "preview-bad";
+constexpr char k_absent[] = "dim-label";
+
+DiagnosticsRow flag_row(const Entry& entry, FlValue* report) {
+  const auto flag = bool_at(report, entry.key);
+  if (!flag) return {entry.label, entry.when_empty, k_absent};
+  if (*flag) return {entry.label, "✓ 是", k_good};
+  return {entry.label, "✗ 否", entry.kind == Kind::needed ? k_bad : k_absent};
+}
+
+DiagnosticsRow text_row(const Entry& entry, FlValue* report) {
+  const std::string text = string_at(report, entry.key).value_or("");
+  if (text.empty()) return {entry.label, entry.when_empty, k_absent};
+  return {entry.label, text, k_plain};
+}
+
+// To paste into a message.
+std::string text_of(const std::vector<DiagnosticsRow>& rows) {
+  std::string text;
+  for (const DiagnosticsRow& row : rows) text += std::string(row.label) + "\t" + row.value + "\n";
+  return text;
+}
 
 // The host answers from the main thread and takes its time: the page's fading in has to be over
 // first.
@@ -36,11 +92,8 @@ void add_row(GtkGrid* table, int place, const DiagnosticsRow& row) {
   // Chinese letters are higher than Latin ones; the words still stand on one line.
   gtk_widget_set_valign(caption, GTK_ALIGN_BASELINE);
   gtk_widget_set_valign(value, GTK_ALIGN_BASELINE);
-  add_style_class(value, "preview-value");
+  for (const char* style_class : {k_plain, row.style_class}) add_style_class(value, style_class);
   gtk_label_set_mnemonic_widget(GTK_LABEL(caption), value);
-  if (row.tone == Tone::good) add_style_class(value, "preview-good");
-  if (row.tone == Tone::bad) add_style_class(value, "preview-bad");
-  if (row.tone == Tone::absent) add_style_class(value, "dim-label");
   gtk_grid_attach(table, caption, 0, place, 1, 1);
   gtk_grid_attach(table, value, 1, place, 1, 1);
 }
@@ -59,12 +112,15 @@ void show_answer(DiagnosticsPage* page, const UiReply& reply) {
   const bool answered =
       reply.kind == UiReply::Kind::success && fl_value_get_type(reply.value) == FL_VALUE_TYPE_MAP;
   if (answered) {
-    page->rows = diagnostics_rows(reply.value);
+    page->rows.clear();
+    for (const Entry& entry : k_entries) {
+      page->rows.push_back(entry.kind == Kind::text ? text_row(entry, reply.value)
+                                                    : flag_row(entry, reply.value));
+    }
     show_rows(page);
   }
   page->loading = false;
   page->loaded = true;
-  gtk_spinner_stop(page->spinner);
   gtk_stack_set_visible_child_name(page->content, answered ? "table" : "failed");
   gtk_widget_set_sensitive(page->refresh, TRUE);
   gtk_widget_set_sensitive(page->copy, answered);
@@ -80,20 +136,15 @@ void ask(DiagnosticsPage* page) {
 void load(DiagnosticsPage* page) {
   if (page->loading) return;
   page->loading = true;
-  gtk_spinner_start(page->spinner);
   gtk_stack_set_visible_child_name(page->content, "loading");
   gtk_widget_set_sensitive(page->refresh, FALSE);
   gtk_widget_set_sensitive(page->copy, FALSE);
   run_later(k_paint_milliseconds, page->life, [page] { ask(page); });
 }
 
-GtkWidget* note_new(const char* text, GtkWidget* above) {
-  GtkWidget* note = gtk_box_new(GTK_ORIENTATION_VERTICAL, k_spacing);
-  GtkWidget* label = gtk_label_new(text);
-  add_style_class(label, "dim-label");
-  if (above != nullptr) gtk_container_add(GTK_CONTAINER(note), above);
-  gtk_container_add(GTK_CONTAINER(note), label);
-  gtk_widget_set_valign(note, GTK_ALIGN_CENTER);
+GtkWidget* note_new(const char* text) {
+  GtkWidget* note = gtk_label_new(text);
+  add_style_class(note, "dim-label");
   return note;
 }
 
@@ -111,21 +162,17 @@ GtkWidget* table_new(DiagnosticsPage* page) {
 }
 
 GtkWidget* content_new(DiagnosticsPage* page) {
-  GtkWidget* spinner = gtk_spinner_new();
-  page->spinner = GTK_SPINNER(spinner);
-  gtk_widget_set_size_request(spinner, 32, 32);
   GtkWidget* content = gtk_stack_new();
   page->content = GTK_STACK(content);
-  gtk_stack_add_named(page->content, note_new("正在检查本机环境…", spinner), "loading");
+  gtk_stack_add_named(page->content, note_new("正在检查本机环境…"), "loading");
   gtk_stack_add_named(page->content, table_new(page), "table");
-  gtk_stack_add_named(page->content, note_new("后台服务没有给出诊断结果，请稍后刷新", nullptr),
-                      "failed");
+  gtk_stack_add_named(page->content, note_new("后台服务没有给出诊断结果，请稍后刷新"), "failed");
   gtk_widget_set_vexpand(content, TRUE);
   return content;
 }
 
 GtkWidget* tools_new(DiagnosticsPage* page) {
-  page->copy = copy_button_new("复制全部诊断结果", [page] { return diagnostics_text(page->rows); });
+  page->copy = copy_button_new("复制全部诊断结果", [page] { return text_of(page->rows); });
   page->refresh = button_new("刷新", [page] { load(page); });
   GtkWidget* tools = gtk_box_new(GTK_ORIENTATION_HORIZONTAL, k_spacing);
   gtk_widget_set_halign(tools, GTK_ALIGN_END);

@@ -18,6 +18,7 @@ struct LogPage {
   TextPane pane = {};
   // The view has it only while it is on the screen: lines that nobody sees need no layout.
   std::shared_ptr<GtkTextBuffer> buffer;
+  GtkSearchBar* search = nullptr;
   GtkWidget* empty_note = nullptr;
   GtkLabel* line_count = nullptr;
   GtkWidget* to_end = nullptr;  // there only while the view doesn't follow
@@ -128,6 +129,54 @@ GtkWidget* pane_new(LogPage* page) {
   return overlay;
 }
 
+enum class Direction { here, next, previous };
+
+// From the selection on, and then from the other end of the text.
+bool find(GtkTextView* view, const char* text, Direction direction) {
+  const bool back = direction == Direction::previous;
+  const auto search = back ? gtk_text_iter_backward_search : gtk_text_iter_forward_search;
+  GtkTextBuffer* buffer = gtk_text_view_get_buffer(view);
+  GtkTextIter first, last, start, end;
+  gtk_text_buffer_get_bounds(buffer, &first, &last);
+  gtk_text_buffer_get_selection_bounds(buffer, &start, &end);
+  for (const GtkTextIter& from :
+       {direction == Direction::next ? end : start, back ? last : first}) {
+    if (!search(&from, text, GTK_TEXT_SEARCH_CASE_INSENSITIVE, &start, &end, nullptr)) continue;
+    gtk_text_buffer_select_range(buffer, &start, &end);
+    gtk_text_view_scroll_to_mark(view, gtk_text_buffer_get_insert(buffer), 0.1, FALSE, 0, 0);
+    return true;
+  }
+  return false;
+}
+
+void look_for(LogPage* page, GtkEntry* entry, Direction direction) {
+  const char* text = gtk_entry_get_text(entry);
+  const bool found = *text != '\0' && find(page->pane.view, text, direction);
+  set_style_class(GTK_WIDGET(entry), GTK_STYLE_CLASS_ERROR, *text != '\0' && !found);
+  if (found) set_follows_end(page, false);
+}
+
+// Hidden until its search mode is set; Escape hides it again.
+GtkWidget* search_bar_new(LogPage* page) {
+  GtkWidget* entry = gtk_search_entry_new();
+  atk_object_set_name(gtk_widget_get_accessible(entry), "查找日志");
+  constexpr std::pair<const char*, Direction> k_signals[] = {
+      {"search-changed", Direction::here},
+      {"activate", Direction::next},
+      {"next-match", Direction::next},
+      {"previous-match", Direction::previous}};
+  for (const auto& [signal, direction] : k_signals) {
+    on_signal(entry, signal, [page, entry, direction = direction] {
+      look_for(page, GTK_ENTRY(entry), direction);
+    });
+  }
+  GtkWidget* bar = gtk_search_bar_new();
+  page->search = GTK_SEARCH_BAR(bar);
+  gtk_container_add(GTK_CONTAINER(bar), entry);
+  gtk_search_bar_connect_entry(page->search, GTK_ENTRY(entry));
+  return bar;
+}
+
 GtkWidget* tools_new(LogPage* page) {
   GtkWidget* count = dim_label_new("");
   page->line_count = GTK_LABEL(count);
@@ -155,13 +204,17 @@ std::shared_ptr<LogPage> log_page_new(FlBinaryMessenger* messenger, const Life& 
   page->life = life;
   page->widget = gtk_box_new(GTK_ORIENTATION_VERTICAL, k_spacing);
   set_all_margins(page->widget, k_margin);
-  gtk_container_add(GTK_CONTAINER(page->widget), pane_new(page.get()));
+  GtkWidget* pane = pane_new(page.get());
+  gtk_container_add(GTK_CONTAINER(page->widget), search_bar_new(page.get()));
+  gtk_container_add(GTK_CONTAINER(page->widget), pane);
   gtk_container_add(GTK_CONTAINER(page->widget), tools_new(page.get()));
   show_line_count(page.get());
   return page;
 }
 
 GtkWidget* log_page_widget(const LogPage& page) { return page.widget; }
+
+void log_page_search(LogPage* page) { gtk_search_bar_set_search_mode(page->search, TRUE); }
 
 void log_page_listen(LogPage* page) {
   ui_listen(page->messenger.get(), k_channel, [page, life = page->life](FlValue* event) {

@@ -20,6 +20,9 @@ std::shared_ptr<LogPage> log_page_new(FlBinaryMessenger* messenger, const Life& 
 // Floating until a container takes it.
 GtkWidget* log_page_widget(const LogPage& page);
 
+// Shows the field for the text to find, or goes to it.
+void log_page_search(LogPage* page);
+
 // Lasts until the engine goes, which needs no cancelling: it forgets whom it would tell.
 void log_page_listen(LogPage* page);
 

@@ -1,5 +1,6 @@
 #include "flutter_embedding/preview/panels/failure_panel.h"
 
+#include "flutter_embedding/preview/panels/manual_window.h"
 #include "flutter_embedding/preview/panels/text_pane.h"
 #include "flutter_embedding/preview/panels/widgets.h"
 
@@ -20,17 +21,24 @@ void show_log(FailurePanel* panel, std::string log_tail) {
   log_view_append(panel->log_pane.buffer, log_tail);
 }
 
+void show_manual(const FailurePanel& panel) {
+  open_manual(panel.widget, panel.shown.code.empty() ? "错误代码" : panel.shown.code);
+}
+
 GtkWidget* header_new(FailurePanel* panel) {
   GtkWidget* code = value_label_new("");
   panel->code = GTK_LABEL(code);
   add_style_class(code, "monospace");
   add_style_class(code, "preview-bad");
-  GtkWidget* header = panel->header = gtk_box_new(GTK_ORIENTATION_HORIZONTAL, k_spacing);
-  gtk_container_add(GTK_CONTAINER(header), dim_label_new("错误代码"));
+  panel->caption = dim_label_new("错误代码");
+  GtkWidget* header = gtk_box_new(GTK_ORIENTATION_HORIZONTAL, k_spacing);
+  gtk_container_add(GTK_CONTAINER(header), panel->caption);
   gtk_container_add(GTK_CONTAINER(header), code);
   gtk_container_add(GTK_CONTAINER(header),
+                    button_new("查手册(_H)", [panel] { show_manual(*panel); }));
+  gtk_container_add(GTK_CONTAINER(header),
                     copy_button_new("复制错误信息", [panel] { return as_text(panel->shown); }));
-  hide_until_wanted(header);
+  for (GtkWidget* part : {panel->caption, code}) hide_until_wanted(part);
   return header;
 }
 
@@ -61,7 +69,8 @@ std::unique_ptr<FailurePanel> failure_panel_new() {
 
 void failure_panel_show(FailurePanel* panel, const Failure& failure) {
   panel->shown = failure;
-  gtk_widget_set_visible(panel->header, !failure.code.empty());
+  gtk_widget_set_visible(panel->caption, !failure.code.empty());
+  gtk_widget_set_visible(GTK_WIDGET(panel->code), !failure.code.empty());
   gtk_label_set_text(panel->code, failure.code.c_str());
   gtk_label_set_text(panel->message, failure.message.c_str());
   show_log(panel, failure.log_tail);

@@ -14,7 +14,7 @@ namespace preview {
 // has to outlive it. Main thread only.
 struct FailurePanel {
   GtkWidget* widget;
-  GtkWidget* header;  // hidden for a failure without a code
+  GtkWidget* caption;  // of the code; both are hidden when there is none
   GtkLabel* code;
   GtkLabel* message;
   GtkWidget* log;  // the caption and the pane, hidden as one when there is no log

@@ -29,11 +29,8 @@ void show_text(GtkLabel* label, const std::string& text, bool can_be_copied,
                GtkWidget* copy_button) {
   gtk_label_set_text(label, text.c_str());
   set_value_language(label, can_be_copied ? "en" : "zh-cn");
-  GtkStyleContext* style = gtk_widget_get_style_context(GTK_WIDGET(label));
-  can_be_copied ? gtk_style_context_remove_class(style, "dim-label")
-                : gtk_style_context_add_class(style, "dim-label");
-  can_be_copied ? gtk_style_context_add_class(style, "monospace")
-                : gtk_style_context_remove_class(style, "monospace");
+  set_style_class(GTK_WIDGET(label), "dim-label", !can_be_copied);
+  set_style_class(GTK_WIDGET(label), "monospace", can_be_copied);
   gtk_widget_set_sensitive(copy_button, can_be_copied);
 }
 

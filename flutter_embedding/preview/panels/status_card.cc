@@ -54,13 +54,6 @@ const Look& look_of(Phase phase) {
   return k_looks[0];
 }
 
-void set_only_style_class(GtkWidget* widget, const char* wanted) {
-  for (const char* style_class : {k_plain, k_good, k_bad}) {
-    gtk_style_context_remove_class(gtk_widget_get_style_context(widget), style_class);
-  }
-  add_style_class(widget, wanted);
-}
-
 }  // namespace
 
 std::unique_ptr<StatusCard> status_card_new() {
@@ -108,7 +101,10 @@ void status_card_show(const StatusCard& card, const ServiceStatus& status, Proxy
   // A spinner that turns unseen still costs a redraw for every frame.
   turns ? gtk_spinner_start(card.spinner) : gtk_spinner_stop(card.spinner);
   if (!turns) gtk_image_set_from_icon_name(card.image, look.icon, GTK_ICON_SIZE_DIALOG);
-  set_only_style_class(GTK_WIDGET(card.image), look.style_class);
+  for (const char* style_class : {k_plain, k_good, k_bad}) {
+    set_style_class(GTK_WIDGET(card.image), style_class,
+                    g_str_equal(style_class, look.style_class));
+  }
   announce(card.title, look.title);
   gtk_label_set_text(card.title, look.title);
   gtk_label_set_text(card.hint, hint_for(look, status, mode));

@@ -1,5 +1,6 @@
 #include "flutter_embedding/preview/panels/text_pane.h"
 
+#include <algorithm>
 #include <string>
 #include <utility>
 
@@ -10,16 +11,15 @@ namespace {
 
 constexpr int k_text_margin = 6;
 constexpr char k_chinese_tag[] = "chinese";
+constexpr char k_warning_tag[] = "warning";
+constexpr char k_error_tag[] = "error";
 
-std::string_view last_lines(std::string_view text, int count) {
-  std::size_t end = text.size();
-  while (count-- > 0) {
-    const std::size_t line_feed = end == 0 ? std::string_view::npos : text.rfind('\n', end - 1);
-    if (line_feed == std::string_view::npos) return text;
-    end = line_feed;
-  }
-  return text.substr(end + 1);
-}
+// What cores and their libraries write near the beginning of a line, with the line's tag.
+constexpr std::size_t k_level_range = 64;
+constexpr std::pair<const char*, const char*> k_level_marks[] = {
+    {"ERROR", k_error_tag},        {"FATAL", k_error_tag},      {"PANIC", k_error_tag},
+    {"level=error", k_error_tag},  {"error:", k_error_tag},     {"level=fatal", k_error_tag},
+    {"level=warn", k_warning_tag}, {"warning:", k_warning_tag}, {"WARN", k_warning_tag}};
 
 std::string_view cut_at_a_character(std::string_view line, std::size_t size) {
   while (size > 0 && (static_cast<unsigned char>(line[size]) & 0xC0) == 0x80) --size;
@@ -43,6 +43,28 @@ std::string with_cut_lines(std::string_view text) {
   }
 }
 
+const char* level_tag_of(std::string_view line) {
+  const std::string_view start = line.substr(0, k_level_range);
+  for (const auto& [mark, tag] : k_level_marks) {
+    if (start.find(mark) != start.npos) return tag;
+  }
+  return nullptr;
+}
+
+void mark_levels(GtkTextBuffer* buffer, int first_line, std::string_view lines) {
+  for (int number = first_line; !lines.empty(); ++number) {
+    const std::size_t length = std::min(lines.find('\n'), lines.size());
+    const char* tag = level_tag_of(lines.substr(0, length));
+    lines.remove_prefix(std::min(length + 1, lines.size()));
+    if (tag == nullptr) continue;
+    GtkTextIter start;
+    gtk_text_buffer_get_iter_at_line(buffer, &start, number);
+    GtkTextIter end = start;
+    gtk_text_iter_forward_to_line_end(&end);
+    gtk_text_buffer_apply_tag_by_name(buffer, tag, &start, &end);
+  }
+}
+
 void drop_oldest_lines(GtkTextBuffer* buffer) {
   const int surplus = gtk_text_buffer_get_line_count(buffer) - k_max_log_lines;
   if (surplus <= 0) return;
@@ -58,6 +80,8 @@ void drop_oldest_lines(GtkTextBuffer* buffer) {
 GtkTextBuffer* buffer_new() {
   GtkTextBuffer* buffer = gtk_text_buffer_new(nullptr);
   gtk_text_buffer_create_tag(buffer, k_chinese_tag, "language", "zh-cn", nullptr);
+  gtk_text_buffer_create_tag(buffer, k_warning_tag, "style", PANGO_STYLE_ITALIC, nullptr);
+  gtk_text_buffer_create_tag(buffer, k_error_tag, "weight", PANGO_WEIGHT_BOLD, nullptr);
   return buffer;
 }
 
@@ -101,14 +125,16 @@ void text_pane_follow_end(const TextPane& pane, std::function<bool()> is_wanted)
 }
 
 void log_view_append(GtkTextBuffer* buffer, std::string_view batch) {
-  std::string lines = with_cut_lines(last_lines(batch, k_max_log_lines));
+  std::string lines = with_cut_lines(batch);
   if (gtk_text_buffer_get_char_count(buffer) > 0) lines.insert(lines.begin(), '\n');
   g_autofree char* valid = g_utf8_make_valid(lines.data(), static_cast<gssize>(lines.size()));
   GtkTextIter end;
   gtk_text_buffer_get_end_iter(buffer, &end);
+  const int last_line = gtk_text_iter_get_line(&end);
   GtkTextTag* chinese =
       gtk_text_tag_table_lookup(gtk_text_buffer_get_tag_table(buffer), k_chinese_tag);
   gtk_text_buffer_insert_with_tags(buffer, &end, valid, -1, chinese, nullptr);
+  mark_levels(buffer, last_line, valid);
   drop_oldest_lines(buffer);
 }
 

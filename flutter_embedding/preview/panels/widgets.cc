@@ -56,6 +56,11 @@ void add_style_class(GtkWidget* widget, const char* style_class) {
   gtk_style_context_add_class(gtk_widget_get_style_context(widget), style_class);
 }
 
+void set_style_class(GtkWidget* widget, const char* style_class, bool wanted) {
+  const auto set = wanted ? gtk_style_context_add_class : gtk_style_context_remove_class;
+  set(gtk_widget_get_style_context(widget), style_class);
+}
+
 void set_all_margins(GtkWidget* widget, int margin) {
   g_object_set(widget, "margin", margin, nullptr);
 }

@@ -17,6 +17,7 @@ inline constexpr int k_spacing = 12;
 void load_style();
 
 void add_style_class(GtkWidget* widget, const char* style_class);
+void set_style_class(GtkWidget* widget, const char* style_class, bool wanted);
 void set_all_margins(GtkWidget* widget, int margin);
 
 // Shows what the widget holds and hides the widget itself; gtk_widget_show_all of the window won't
