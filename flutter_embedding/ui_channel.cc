@@ -71,11 +71,11 @@ void ui_listen(FlBinaryMessenger* messenger, const char* channel,
         }
       };
   // The receiver goes with the messenger at the latest, so it may point at it.
-  fl_engine_messenger_set_receiver(
-      wire, channel, [wire, name = std::string(channel), pass_on](GBytes* message) {
-        if (g_bytes_get_size(message) > 0) return decode_and_pass_on(message, pass_on);
-        fl_engine_messenger_set_receiver(wire, name.c_str(), nullptr);
-      });
+  const auto receive = [wire, name = std::string(channel), pass_on](GBytes* message) {
+    if (g_bytes_get_size(message) > 0) return decode_and_pass_on(message, pass_on);
+    fl_engine_messenger_set_receiver(wire, name.c_str(), nullptr);
+  };
+  fl_engine_messenger_set_receiver(wire, channel, receive);
   ui_invoke_method(messenger, channel, "listen", nullptr,
                    [name = std::string(channel)](const UiReply& reply) {
                      if (reply.kind == UiReply::Kind::error) {
