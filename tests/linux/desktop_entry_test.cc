@@ -42,9 +42,9 @@ TEST(DesktopEntryText, TouchCommandIsQuotedOnlyWhereItMustAndCut) {
   EXPECT_EQ(touch_command("/" + std::string(600, 'x')).size(), 511u);
 }
 
-static const std::vector<std::string> k_tools = {"update-desktop-database", "gtk-update-icon-cache",
-                                                 "gnome-shell", "kbuildsycoca5",
-                                                 "xdg-desktop-menu"};
+static const std::vector<std::string> k_tools = {
+    "update-desktop-database", "gtk-update-icon-cache", "gnome-shell",
+    "kbuildsycoca5",           "xdg-desktop-menu",      "touch"};
 
 TEST(DesktopEntry, InstallsAndRefreshesAsTheDesktopNeedsIt) {
   const std::tuple<const char*, const char*, const char*> rows[] = {
@@ -74,7 +74,7 @@ TEST(DesktopEntry, InstallsAndRefreshesAsTheDesktopNeedsIt) {
 
     std::vector<std::string> expected = {"gtk-update-icon-cache -f -t " + share + "/icons/hicolor",
                                          "update-desktop-database " + share + "/applications",
-                                         "xdg-desktop-menu forceupdate"};
+                                         "touch " + entry, "xdg-desktop-menu forceupdate"};
     if (extra_command) expected.insert(expected.begin(), extra_command);
     // Some shells run the refreshes in the background, so their order is not ours to tell.
     for (int round = 0; round < 500 && home.recorded_commands().size() < expected.size(); ++round) {

@@ -2,6 +2,7 @@
 
 #include <string>
 #include <string_view>
+#include <utility>
 
 #include "flutter_embedding/channels/references.h"
 #include "flutter_embedding/guarded.h"
@@ -16,36 +17,63 @@ struct LogPage {
   Life life;
   GtkWidget* widget = nullptr;
   TextPane pane = {};
-  // The view has it only while it is on the screen: lines that nobody sees need no layout.
-  std::shared_ptr<GtkTextBuffer> buffer;
   GtkSearchBar* search = nullptr;
   GtkWidget* empty_note = nullptr;
   GtkLabel* line_count = nullptr;
   GtkWidget* to_end = nullptr;  // there only while the view doesn't follow
   bool follows_end = true;
+  bool person_scrolls = false;
 };
 
 namespace {
 
 constexpr char k_channel[] = "com.corvana.channel/log_stream";
+constexpr unsigned k_slide_milliseconds = 250;
+constexpr char k_top_mark[] = "top";
+constexpr int k_lines_at_end = 100;  // more than most windows show
 constexpr std::string_view k_clear_event = "__clear__";
 
 void show_line_count(LogPage* page) {
-  const bool empty = gtk_text_buffer_get_char_count(page->buffer.get()) == 0;
-  const int lines = empty ? 0 : gtk_text_buffer_get_line_count(page->buffer.get());
+  const bool empty = gtk_text_buffer_get_char_count(page->pane.buffer) == 0;
+  const int lines = empty ? 0 : gtk_text_buffer_get_line_count(page->pane.buffer);
   std::string text = std::to_string(lines) + " 行";
   if (lines == k_max_log_lines) text += "（最新部分）";
   gtk_label_set_text(page->line_count, text.c_str());
   gtk_widget_set_visible(page->empty_note, empty);
 }
 
+void hide_lines_out_of_sight(LogPage* page) {
+  const bool mapped = gtk_widget_get_mapped(page->pane.widget);
+  if (mapped && !page->follows_end) return;
+  log_view_hide_all_but(page->pane.buffer, mapped ? k_lines_at_end : 0);
+}
+
+// What is at the top stays there. Where that is then, is known once all lines are laid out; until
+// then nothing is drawn.
+void show_all_lines(LogPage* page) {
+  GdkRectangle shown;
+  GtkTextIter top;
+  gtk_text_view_get_visible_rect(page->pane.view, &shown);
+  gtk_text_view_get_line_at_y(page->pane.view, &top, shown.y, nullptr);
+  gtk_text_buffer_move_mark_by_name(page->pane.buffer, k_top_mark, &top);
+  GdkWindow* window = gtk_widget_get_window(page->pane.widget);
+  gdk_window_freeze_updates(window);
+  log_view_show_all(page->pane.buffer);
+  run_when_idle(page->life, [page, window] {
+    gtk_text_view_scroll_to_mark(
+        page->pane.view, gtk_text_buffer_get_mark(page->pane.buffer, k_top_mark), 0, TRUE, 0, 0);
+    gdk_window_thaw_updates(window);
+  });
+}
+
 void set_follows_end(LogPage* page, bool follows_end) {
-  page->follows_end = follows_end;
+  if (std::exchange(page->follows_end, follows_end) == follows_end) return;
+  follows_end ? hide_lines_out_of_sight(page) : show_all_lines(page);
   gtk_widget_set_visible(page->to_end, !follows_end);
 }
 
 void clear(LogPage* page) {
-  gtk_text_buffer_set_text(page->buffer.get(), "", 0);
+  gtk_text_buffer_set_text(page->pane.buffer, "", 0);
   set_follows_end(page, true);
   show_line_count(page);
 }
@@ -54,7 +82,8 @@ void take_event(LogPage* page, FlValue* event) {
   if (event == nullptr || fl_value_get_type(event) != FL_VALUE_TYPE_STRING) return;
   const std::string_view text = fl_value_get_string(event);
   if (text == k_clear_event) return clear(page);
-  log_view_append(page->buffer.get(), text);
+  log_view_append(page->pane.buffer, text);
+  hide_lines_out_of_sight(page);
   show_line_count(page);
 }
 
@@ -63,13 +92,16 @@ void take_event(LogPage* page, FlValue* event) {
 void decide_whether_to_follow(LogPage* page) {
   const double bottom = gtk_adjustment_get_upper(page->pane.position) -
                         gtk_adjustment_get_page_size(page->pane.position);
+  page->person_scrolls = false;
+  if (bottom <= 0) log_view_show_all(page->pane.buffer);
   set_follows_end(page, gtk_adjustment_get_value(page->pane.position) >= bottom - 1);
 }
 
-// What the person did moves the view only after the handlers here, but before the next lines
-// arrive.
+// The view moves after the handlers here, and slides for a while; lines that arrive meanwhile must
+// not take it back.
 void person_scrolls(LogPage* page) {
-  run_later(0, page->life, [page] { decide_whether_to_follow(page); });
+  page->person_scrolls = true;
+  run_later(k_slide_milliseconds, page->life, [page] { decide_whether_to_follow(page); });
 }
 
 gboolean on_scroll_event(GtkWidget*, GdkEvent*, gpointer page) {
@@ -82,10 +114,6 @@ gboolean on_scroll_bar(GtkRange*, GtkScrollType, double, gpointer page) {
   return GDK_EVENT_PROPAGATE;
 }
 
-void on_edge_reached(GtkScrolledWindow*, GtkPositionType edge, gpointer page) {
-  if (edge == GTK_POS_BOTTOM) set_follows_end(static_cast<LogPage*>(page), true);
-}
-
 void watch_scrolling(LogPage* page) {
   GtkWidget* scrolled = page->pane.widget;
   gtk_widget_add_events(GTK_WIDGET(page->pane.view), GDK_SCROLL_MASK | GDK_SMOOTH_SCROLL_MASK);
@@ -93,7 +121,6 @@ void watch_scrolling(LogPage* page) {
   on_signal(page->pane.view, "move-cursor", [page] { person_scrolls(page); });
   GtkWidget* bar = gtk_scrolled_window_get_vscrollbar(GTK_SCROLLED_WINDOW(scrolled));
   g_signal_connect(bar, "change-value", G_CALLBACK(on_scroll_bar), page);
-  g_signal_connect(scrolled, "edge-reached", G_CALLBACK(on_edge_reached), page);
 }
 
 std::string selected_or_all(GtkTextBuffer* buffer) {
@@ -102,20 +129,21 @@ std::string selected_or_all(GtkTextBuffer* buffer) {
   if (!gtk_text_buffer_get_selection_bounds(buffer, &start, &end)) {
     gtk_text_buffer_get_bounds(buffer, &start, &end);
   }
-  g_autofree char* text = gtk_text_buffer_get_text(buffer, &start, &end, FALSE);
+  g_autofree char* text = gtk_text_buffer_get_text(buffer, &start, &end, TRUE);
   return text;
 }
 
 GtkWidget* pane_new(LogPage* page) {
   page->pane = text_pane_new("核心日志");
-  page->buffer = share_object(page->pane.buffer);
-  gtk_text_view_set_buffer(page->pane.view, nullptr);
-  text_pane_follow_end(page->pane, [page] { return page->follows_end; });
+  text_pane_follow_end(page->pane, [page] { return page->follows_end && !page->person_scrolls; });
   watch_scrolling(page);
-  on_signal(page->pane.view, "map",
-            [page] { gtk_text_view_set_buffer(page->pane.view, page->buffer.get()); });
-  on_signal(page->pane.view, "unmap",
-            [page] { gtk_text_view_set_buffer(page->pane.view, nullptr); });
+  GtkTextIter start;
+  gtk_text_buffer_get_start_iter(page->pane.buffer, &start);
+  gtk_text_buffer_create_mark(page->pane.buffer, k_top_mark, &start, TRUE);
+  on_signal(page->pane.view, "map", [page] {
+    log_view_show_all(page->pane.buffer);
+    hide_lines_out_of_sight(page);
+  });
 
   page->empty_note = gtk_label_new("还没有日志，连接后在这里显示核心的输出");
   add_style_class(page->empty_note, "dim-label");
@@ -129,47 +157,41 @@ GtkWidget* pane_new(LogPage* page) {
   return overlay;
 }
 
-enum class Direction { here, next, previous };
-
-// From the selection on, and then from the other end of the text.
-bool find(GtkTextView* view, const char* text, Direction direction) {
-  const bool back = direction == Direction::previous;
-  const auto search = back ? gtk_text_iter_backward_search : gtk_text_iter_forward_search;
-  GtkTextBuffer* buffer = gtk_text_view_get_buffer(view);
-  GtkTextIter first, last, start, end;
-  gtk_text_buffer_get_bounds(buffer, &first, &last);
+// From the selection on, or behind it, and then from the beginning. Selects what is found.
+bool find(GtkTextBuffer* buffer, const char* text, bool behind) {
+  GtkTextIter first, start, end;
+  gtk_text_buffer_get_start_iter(buffer, &first);
   gtk_text_buffer_get_selection_bounds(buffer, &start, &end);
-  for (const GtkTextIter& from :
-       {direction == Direction::next ? end : start, back ? last : first}) {
-    if (!search(&from, text, GTK_TEXT_SEARCH_CASE_INSENSITIVE, &start, &end, nullptr)) continue;
+  for (const GtkTextIter& from : {behind ? end : start, first}) {
+    if (!gtk_text_iter_forward_search(&from, text, GTK_TEXT_SEARCH_CASE_INSENSITIVE, &start, &end,
+                                      nullptr)) {
+      continue;
+    }
     gtk_text_buffer_select_range(buffer, &start, &end);
-    gtk_text_view_scroll_to_mark(view, gtk_text_buffer_get_insert(buffer), 0.1, FALSE, 0, 0);
     return true;
   }
   return false;
 }
 
-void look_for(LogPage* page, GtkEntry* entry, Direction direction) {
+void look_for(LogPage* page, GtkEntry* entry, bool behind) {
   const char* text = gtk_entry_get_text(entry);
-  const bool found = *text != '\0' && find(page->pane.view, text, direction);
+  const bool found = *text != '\0' && find(page->pane.buffer, text, behind);
   set_style_class(GTK_WIDGET(entry), GTK_STYLE_CLASS_ERROR, *text != '\0' && !found);
-  if (found) set_follows_end(page, false);
+  if (!found) return;
+  set_follows_end(page, false);
+  run_when_idle(page->life, [pane = page->pane] {
+    gtk_text_view_scroll_to_mark(pane.view, gtk_text_buffer_get_insert(pane.buffer), 0.1, FALSE, 0,
+                                 0);
+  });
 }
 
 // Hidden until its search mode is set; Escape hides it again.
 GtkWidget* search_bar_new(LogPage* page) {
   GtkWidget* entry = gtk_search_entry_new();
   atk_object_set_name(gtk_widget_get_accessible(entry), "查找日志");
-  constexpr std::pair<const char*, Direction> k_signals[] = {
-      {"search-changed", Direction::here},
-      {"activate", Direction::next},
-      {"next-match", Direction::next},
-      {"previous-match", Direction::previous}};
-  for (const auto& [signal, direction] : k_signals) {
-    on_signal(entry, signal, [page, entry, direction = direction] {
-      look_for(page, GTK_ENTRY(entry), direction);
-    });
-  }
+  on_signal(entry, "search-changed", [=] { look_for(page, GTK_ENTRY(entry), false); });
+  on_signal(entry, "activate", [=] { look_for(page, GTK_ENTRY(entry), true); });
+  on_signal(entry, "next-match", [=] { look_for(page, GTK_ENTRY(entry), true); });
   GtkWidget* bar = gtk_search_bar_new();
   page->search = GTK_SEARCH_BAR(bar);
   gtk_container_add(GTK_CONTAINER(bar), entry);
@@ -191,7 +213,7 @@ GtkWidget* tools_new(LogPage* page) {
   gtk_container_add(GTK_CONTAINER(tools), page->to_end);
   gtk_container_add(GTK_CONTAINER(tools),
                     copy_button_new("复制选中的日志，未选中时复制全部",
-                                    [page] { return selected_or_all(page->buffer.get()); }));
+                                    [page] { return selected_or_all(page->pane.buffer); }));
   gtk_container_add(GTK_CONTAINER(tools), button_new("清空", [page] { clear(page); }));
   return tools;
 }

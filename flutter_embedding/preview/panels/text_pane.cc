@@ -13,6 +13,7 @@ constexpr int k_text_margin = 6;
 constexpr char k_chinese_tag[] = "chinese";
 constexpr char k_warning_tag[] = "warning";
 constexpr char k_error_tag[] = "error";
+constexpr char k_hidden_tag[] = "hidden";
 
 // What cores and their libraries write near the beginning of a line, with the line's tag.
 constexpr std::size_t k_level_range = 64;
@@ -82,6 +83,7 @@ GtkTextBuffer* buffer_new() {
   gtk_text_buffer_create_tag(buffer, k_chinese_tag, "language", "zh-cn", nullptr);
   gtk_text_buffer_create_tag(buffer, k_warning_tag, "style", PANGO_STYLE_ITALIC, nullptr);
   gtk_text_buffer_create_tag(buffer, k_error_tag, "weight", PANGO_WEIGHT_BOLD, nullptr);
+  gtk_text_buffer_create_tag(buffer, k_hidden_tag, "invisible", TRUE, nullptr);
   return buffer;
 }
 
@@ -136,6 +138,25 @@ void log_view_append(GtkTextBuffer* buffer, std::string_view batch) {
   gtk_text_buffer_insert_with_tags(buffer, &end, valid, -1, chinese, nullptr);
   mark_levels(buffer, last_line, valid);
   drop_oldest_lines(buffer);
+}
+
+void log_view_hide_all_but(GtkTextBuffer* buffer, int last_lines) {
+  const int hidden_lines = gtk_text_buffer_get_line_count(buffer) - last_lines;
+  if (hidden_lines <= 0) return;
+  GtkTextTag* hidden =
+      gtk_text_tag_table_lookup(gtk_text_buffer_get_tag_table(buffer), k_hidden_tag);
+  GtkTextIter end;
+  gtk_text_buffer_get_iter_at_line(buffer, &end, hidden_lines);
+  // Not those that are hidden already: each would be looked at again.
+  GtkTextIter start = end;
+  gtk_text_iter_backward_to_tag_toggle(&start, hidden);
+  gtk_text_buffer_apply_tag(buffer, hidden, &start, &end);
+}
+
+void log_view_show_all(GtkTextBuffer* buffer) {
+  GtkTextIter start, end;
+  gtk_text_buffer_get_bounds(buffer, &start, &end);
+  gtk_text_buffer_remove_tag_by_name(buffer, k_hidden_tag, &start, &end);
 }
 
 }  // namespace preview

@@ -32,6 +32,11 @@ inline constexpr std::size_t k_max_log_line_size = 4096;
 // oldest lines beyond the most. Bytes that aren't UTF-8 show as U+FFFD. Main thread only.
 void log_view_append(GtkTextBuffer* buffer, std::string_view batch);
 
+// Hides all lines but the last ones. Hidden lines need no layout, which is what a busy log costs
+// most.
+void log_view_hide_all_but(GtkTextBuffer* buffer, int last_lines);
+void log_view_show_all(GtkTextBuffer* buffer);
+
 }  // namespace preview
 
 #endif
