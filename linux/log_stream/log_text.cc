@@ -55,6 +55,11 @@ static size_t sequence_length(std::string_view text) {
 static size_t good_prefix_length(std::string_view text) {
   size_t position = 0;
   while (position < text.size()) {
+    // Logs are mostly ASCII, and this is most of the work.
+    if (text[position] > 0) {
+      ++position;
+      continue;
+    }
     const size_t length = sequence_length(text.substr(position));
     if (length == 0) break;
     position += length;

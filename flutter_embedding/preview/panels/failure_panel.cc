@@ -28,6 +28,7 @@ void show_manual(const FailurePanel& panel) {
 GtkWidget* header_new(FailurePanel* panel) {
   GtkWidget* code = value_label_new("");
   panel->code = GTK_LABEL(code);
+  gtk_label_set_line_wrap(panel->code, FALSE);
   add_style_class(code, "monospace");
   add_style_class(code, "preview-bad");
   panel->caption = dim_label_new("错误代码");
