@@ -94,16 +94,18 @@ void add_row(GtkGrid* table, int place, const DiagnosticsRow& row) {
   gtk_widget_set_valign(value, GTK_ALIGN_BASELINE);
   for (const char* style_class : {k_plain, row.style_class}) add_style_class(value, style_class);
   gtk_label_set_mnemonic_widget(GTK_LABEL(caption), value);
-  gtk_grid_attach(table, caption, 0, place, 1, 1);
   gtk_grid_attach(table, value, 1, place, 1, 1);
+  gtk_grid_attach(table, caption, 0, place, 1, 1);
 }
 
 void remove_from_table(GtkWidget* child, gpointer) { gtk_widget_destroy(child); }
 
 void show_rows(DiagnosticsPage* page) {
   gtk_container_foreach(GTK_CONTAINER(page->table), remove_from_table, nullptr);
-  int place = 0;
-  for (const DiagnosticsRow& row : page->rows) add_row(page->table, place++, row);
+  // Screen readers read what was attached last first.
+  for (auto place = static_cast<int>(page->rows.size()); place-- > 0;) {
+    add_row(page->table, place, page->rows[static_cast<size_t>(place)]);
+  }
   use_chinese_glyphs(GTK_WIDGET(page->table));
   gtk_widget_show_all(GTK_WIDGET(page->table));
 }
