@@ -56,7 +56,7 @@ static size_t good_prefix_length(std::string_view text) {
   size_t position = 0;
   while (position < text.size()) {
     // Logs are mostly ASCII, and this is most of the work.
-    if (text[position] > 0) {
+    if (static_cast<signed char>(text[position]) > 0) {
       ++position;
       continue;
     }
