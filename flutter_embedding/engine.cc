@@ -1,18 +1,18 @@
 #include "flutter_embedding/engine.h"
 
-#include "flutter_embedding/channels/engine_messenger.h"
+#include "flutter_embedding/channels/messenger.h"
 
 struct _FlEngine {
   GObject parent_instance;
   FlDartProject* project;
-  FlEngineMessenger* messenger;
+  FlBinaryMessenger* messenger;
 };
 
 G_DEFINE_FINAL_TYPE(FlEngine, fl_engine, G_TYPE_OBJECT)
 
 static void fl_engine_dispose(GObject* object) {
   FlEngine* self = FL_ENGINE(object);
-  fl_engine_messenger_close(self->messenger);
+  messenger_close(self->messenger);
   g_clear_object(&self->project);
   G_OBJECT_CLASS(fl_engine_parent_class)->dispose(object);
 }
@@ -27,7 +27,7 @@ static void fl_engine_class_init(FlEngineClass* klass) {
   G_OBJECT_CLASS(klass)->finalize = fl_engine_finalize;
 }
 
-static void fl_engine_init(FlEngine* self) { self->messenger = fl_engine_messenger_new(); }
+static void fl_engine_init(FlEngine* self) { self->messenger = messenger_new(); }
 
 FlEngine* fl_engine_new(FlDartProject* project) {
   g_return_val_if_fail(FL_IS_DART_PROJECT(project), nullptr);
@@ -38,5 +38,5 @@ FlEngine* fl_engine_new(FlDartProject* project) {
 
 FlBinaryMessenger* fl_engine_get_binary_messenger(FlEngine* self) {
   g_return_val_if_fail(FL_IS_ENGINE(self), nullptr);
-  return FL_BINARY_MESSENGER(self->messenger);
+  return self->messenger;
 }

@@ -1,29 +1,14 @@
 #include "flutter_embedding/plugin_registrar.h"
 
+struct _FlPluginRegistrarInterface {
+  GTypeInterface parent_interface;
+};
+
 G_DEFINE_INTERFACE(FlPluginRegistrar, fl_plugin_registrar, G_TYPE_OBJECT)
-G_DEFINE_INTERFACE(FlPluginRegistry, fl_plugin_registry, G_TYPE_OBJECT)
 
 static void fl_plugin_registrar_default_init(FlPluginRegistrarInterface*) {}
 
-static void fl_plugin_registry_default_init(FlPluginRegistryInterface*) {}
-
-FlBinaryMessenger* fl_plugin_registrar_get_messenger(FlPluginRegistrar* self) {
-  g_return_val_if_fail(FL_IS_PLUGIN_REGISTRAR(self), nullptr);
-  return FL_PLUGIN_REGISTRAR_GET_IFACE(self)->get_messenger(self);
-}
-
-FlView* fl_plugin_registrar_get_view(FlPluginRegistrar* self) {
-  g_return_val_if_fail(FL_IS_PLUGIN_REGISTRAR(self), nullptr);
-  return FL_PLUGIN_REGISTRAR_GET_IFACE(self)->get_view(self);
-}
-
-FlPluginRegistrar* fl_plugin_registry_get_registrar_for_plugin(FlPluginRegistry* self,
-                                                               const gchar* name) {
-  g_return_val_if_fail(FL_IS_PLUGIN_REGISTRY(self), nullptr);
-  g_return_val_if_fail(name != nullptr, nullptr);
-  return FL_PLUGIN_REGISTRY_GET_IFACE(self)->get_registrar_for_plugin(self, name);
-}
-
+// The only implementation of FlPluginRegistrar.
 G_DECLARE_FINAL_TYPE(FlViewRegistrar, fl_view_registrar, FL, VIEW_REGISTRAR, GObject)
 
 struct _FlViewRegistrar {
@@ -32,24 +17,8 @@ struct _FlViewRegistrar {
   FlBinaryMessenger* messenger;
 };
 
-static void fl_view_registrar_implement(FlPluginRegistrarInterface* registrar_interface);
-
 G_DEFINE_FINAL_TYPE_WITH_CODE(FlViewRegistrar, fl_view_registrar, G_TYPE_OBJECT,
-                              G_IMPLEMENT_INTERFACE(fl_plugin_registrar_get_type(),
-                                                    fl_view_registrar_implement))
-
-static FlBinaryMessenger* fl_view_registrar_get_messenger(FlPluginRegistrar* registrar) {
-  return FL_VIEW_REGISTRAR(registrar)->messenger;
-}
-
-static FlView* fl_view_registrar_get_view(FlPluginRegistrar* registrar) {
-  return FL_VIEW_REGISTRAR(registrar)->view;
-}
-
-static void fl_view_registrar_implement(FlPluginRegistrarInterface* registrar_interface) {
-  registrar_interface->get_messenger = fl_view_registrar_get_messenger;
-  registrar_interface->get_view = fl_view_registrar_get_view;
-}
+                              G_IMPLEMENT_INTERFACE(fl_plugin_registrar_get_type(), nullptr))
 
 static void fl_view_registrar_finalize(GObject* object) {
   FlViewRegistrar* self = FL_VIEW_REGISTRAR(object);
@@ -69,4 +38,14 @@ FlPluginRegistrar* plugin_registrar_new(FlView* view, FlBinaryMessenger* messeng
   g_set_weak_pointer(&self->view, view);
   self->messenger = FL_BINARY_MESSENGER(g_object_ref(messenger));
   return FL_PLUGIN_REGISTRAR(self);
+}
+
+FlBinaryMessenger* fl_plugin_registrar_get_messenger(FlPluginRegistrar* self) {
+  g_return_val_if_fail(FL_IS_PLUGIN_REGISTRAR(self), nullptr);
+  return FL_VIEW_REGISTRAR(self)->messenger;
+}
+
+FlView* fl_plugin_registrar_get_view(FlPluginRegistrar* self) {
+  g_return_val_if_fail(FL_IS_PLUGIN_REGISTRAR(self), nullptr);
+  return FL_VIEW_REGISTRAR(self)->view;
 }

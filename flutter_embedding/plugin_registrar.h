@@ -3,17 +3,6 @@
 
 #include <flutter_linux/flutter_linux.h>
 
-struct _FlPluginRegistrarInterface {
-  GTypeInterface parent_interface;
-  FlBinaryMessenger* (*get_messenger)(FlPluginRegistrar* registrar);
-  FlView* (*get_view)(FlPluginRegistrar* registrar);
-};
-
-struct _FlPluginRegistryInterface {
-  GTypeInterface parent_interface;
-  FlPluginRegistrar* (*get_registrar_for_plugin)(FlPluginRegistry* registry, const char* name);
-};
-
 // A registrar that a plugin may keep as long as it likes: it doesn't keep the view alive, only the
 // messenger. Main thread only.
 FlPluginRegistrar* plugin_registrar_new(FlView* view, FlBinaryMessenger* messenger);

@@ -2,7 +2,7 @@
 
 #include <utility>
 
-#include "flutter_embedding/channels/engine_messenger.h"
+#include "flutter_embedding/channels/messenger.h"
 #include "flutter_embedding/channels/method_response.h"
 #include "flutter_embedding/codec/standard_codec.h"
 
@@ -38,30 +38,22 @@ static void warn_about_error(const std::string& channel, const char* what, const
             reply.error_message.c_str());
 }
 
-void ui_send_message(FlBinaryMessenger* messenger, const char* channel, GBytes* message,
-                     std::function<void(GBytes* reply)> on_reply) {
-  fl_engine_messenger_send_to_host(FL_ENGINE_MESSENGER(messenger), channel, message,
-                                   std::move(on_reply));
-}
-
 void ui_invoke_method(FlBinaryMessenger* messenger, const char* channel, const char* method,
                       FlValue* args, std::function<void(const UiReply&)> on_reply) {
   g_autoptr(GError) error = nullptr;
   g_autoptr(GBytes) message = encode_method_call(method, args, &error);
   if (message == nullptr) {
-    fl_engine_messenger_run_later(
-        FL_ENGINE_MESSENGER(messenger),
+    return run_later(
+        0, messenger_life(messenger),
         [on_reply = std::move(on_reply), failure = codec_failure(error)] { on_reply(failure); });
-    return;
   }
-  ui_send_message(messenger, channel, message, [on_reply = std::move(on_reply)](GBytes* reply) {
-    decode_and_pass_on(reply, on_reply);
-  });
+  messenger_send_to_host(
+      messenger, channel, message,
+      [on_reply = std::move(on_reply)](GBytes* reply) { decode_and_pass_on(reply, on_reply); });
 }
 
 void ui_listen(FlBinaryMessenger* messenger, const char* channel,
                std::function<void(FlValue* event)> on_event) {
-  FlEngineMessenger* wire = FL_ENGINE_MESSENGER(messenger);
   const std::function<void(const UiReply&)> pass_on =
       [name = std::string(channel), on_event = std::move(on_event)](const UiReply& event) {
         if (event.kind == UiReply::Kind::success) {
@@ -71,11 +63,11 @@ void ui_listen(FlBinaryMessenger* messenger, const char* channel,
         }
       };
   // The receiver goes with the messenger at the latest, so it may point at it.
-  const auto receive = [wire, name = std::string(channel), pass_on](GBytes* message) {
+  const auto receive = [messenger, name = std::string(channel), pass_on](GBytes* message) {
     if (g_bytes_get_size(message) > 0) return decode_and_pass_on(message, pass_on);
-    fl_engine_messenger_set_receiver(wire, name.c_str(), nullptr);
+    messenger_set_receiver(messenger, name.c_str(), nullptr);
   };
-  fl_engine_messenger_set_receiver(wire, channel, receive);
+  messenger_set_receiver(messenger, channel, receive);
   ui_invoke_method(messenger, channel, "listen", nullptr,
                    [name = std::string(channel)](const UiReply& reply) {
                      if (reply.kind == UiReply::Kind::error) {
@@ -85,6 +77,6 @@ void ui_listen(FlBinaryMessenger* messenger, const char* channel,
 }
 
 void ui_cancel(FlBinaryMessenger* messenger, const char* channel) {
-  fl_engine_messenger_set_receiver(FL_ENGINE_MESSENGER(messenger), channel, nullptr);
+  messenger_set_receiver(messenger, channel, nullptr);
   ui_invoke_method(messenger, channel, "cancel", nullptr, [](const UiReply&) {});
 }

@@ -22,11 +22,6 @@ struct UiReply {
   std::string error_message;  // of an error; empty when it has none
 };
 
-// Sends raw bytes to the host's handler of `channel`, taking its own reference on them. The reply
-// is borrowed for the callback: null when nobody handled the message, empty for "not implemented".
-void ui_send_message(FlBinaryMessenger* messenger, const char* channel, GBytes* message,
-                     std::function<void(GBytes* reply)> on_reply);
-
 // Calls a method. `args` is borrowed, and null is sent as the null value. A channel without a
 // handler answers "not implemented". A call that can't be encoded and a reply that can't be decoded
 // are errors with the code "codec".

@@ -9,22 +9,17 @@ struct _FlView {
   GtkWidget* content;  // the box's only child, which owns it
 };
 
-static void fl_view_implement_registry(FlPluginRegistryInterface* registry_interface);
+struct _FlPluginRegistryInterface {
+  GTypeInterface parent_interface;
+};
 
+G_DEFINE_INTERFACE(FlPluginRegistry, fl_plugin_registry, G_TYPE_OBJECT)
+
+static void fl_plugin_registry_default_init(FlPluginRegistryInterface*) {}
+
+// The only implementation of FlPluginRegistry.
 G_DEFINE_FINAL_TYPE_WITH_CODE(FlView, fl_view, GTK_TYPE_BOX,
-                              G_IMPLEMENT_INTERFACE(fl_plugin_registry_get_type(),
-                                                    fl_view_implement_registry))
-
-static FlPluginRegistrar* fl_view_get_registrar_for_plugin(FlPluginRegistry* registry,
-                                                           const char*) {
-  FlView* self = FL_VIEW(registry);
-  g_return_val_if_fail(self->engine != nullptr, nullptr);
-  return plugin_registrar_new(self, fl_engine_get_binary_messenger(self->engine));
-}
-
-static void fl_view_implement_registry(FlPluginRegistryInterface* registry_interface) {
-  registry_interface->get_registrar_for_plugin = fl_view_get_registrar_for_plugin;
-}
+                              G_IMPLEMENT_INTERFACE(fl_plugin_registry_get_type(), nullptr))
 
 // The view itself has nothing to type into. Focus that already lies within the content stays where
 // it is.
@@ -68,4 +63,13 @@ FlView* fl_view_new(FlDartProject* project) {
 FlEngine* fl_view_get_engine(FlView* self) {
   g_return_val_if_fail(FL_IS_VIEW(self), nullptr);
   return self->engine;
+}
+
+FlPluginRegistrar* fl_plugin_registry_get_registrar_for_plugin(FlPluginRegistry* self,
+                                                               const gchar* name) {
+  g_return_val_if_fail(FL_IS_PLUGIN_REGISTRY(self), nullptr);
+  g_return_val_if_fail(name != nullptr, nullptr);
+  FlEngine* engine = FL_VIEW(self)->engine;
+  g_return_val_if_fail(engine != nullptr, nullptr);
+  return plugin_registrar_new(FL_VIEW(self), fl_engine_get_binary_messenger(engine));
 }

@@ -1,12 +1,12 @@
-#include "flutter_embedding/channels/binary_messenger.h"
+#include "flutter_embedding/channels/messenger.h"
 #include "flutter_embedding/channels/method_call.h"
 #include "flutter_embedding/channels/references.h"
+#include "flutter_embedding/codec/standard_codec.h"
 
 struct _FlEventChannel {
   GObject parent_instance;
   FlBinaryMessenger* messenger;
   char* name;
-  FlMethodCodec* codec;
 };
 
 G_DEFINE_FINAL_TYPE(FlEventChannel, fl_event_channel, G_TYPE_OBJECT)
@@ -14,7 +14,6 @@ G_DEFINE_FINAL_TYPE(FlEventChannel, fl_event_channel, G_TYPE_OBJECT)
 static void fl_event_channel_finalize(GObject* object) {
   FlEventChannel* self = FL_EVENT_CHANNEL(object);
   g_clear_object(&self->messenger);
-  g_clear_object(&self->codec);
   g_free(self->name);
   G_OBJECT_CLASS(fl_event_channel_parent_class)->finalize(object);
 }
@@ -33,7 +32,6 @@ FlEventChannel* fl_event_channel_new(FlBinaryMessenger* messenger, const gchar* 
   auto* self = FL_EVENT_CHANNEL(g_object_new(fl_event_channel_get_type(), nullptr));
   self->messenger = FL_BINARY_MESSENGER(g_object_ref(messenger));
   self->name = g_strdup(name);
-  self->codec = FL_METHOD_CODEC(g_object_ref(codec));
   return self;
 }
 
@@ -65,8 +63,7 @@ FlMethodResponse* response_to(const StreamHandlers& handlers, FlMethodCall* call
 
 void answer(const StreamHandlers& handlers, GBytes* message, std::unique_ptr<PendingReply> reply) {
   FlEventChannel* channel = handlers.channel.get();
-  g_autoptr(FlMethodCall) call =
-      method_call_from_message(channel->codec, channel->name, message, std::move(reply));
+  g_autoptr(FlMethodCall) call = method_call_from_message(channel->name, message, std::move(reply));
   if (call == nullptr) return;
   g_autoptr(FlMethodResponse) response = response_to(handlers, call);
   g_autoptr(GError) error = nullptr;
@@ -84,14 +81,13 @@ void fl_event_channel_set_stream_handlers(FlEventChannel* self, FlEventChannelHa
   const StreamHandlers handlers = {share_object(self), listen, cancel,
                                    share_user_data(user_data, destroy)};
   if (listen == nullptr && cancel == nullptr) {
-    binary_messenger_set_message_handler(self->messenger, self->name, nullptr);
+    messenger_set_handler(self->messenger, self->name, nullptr);
     return;
   }
-  binary_messenger_set_message_handler(
-      self->messenger, self->name,
-      [handlers](GBytes* message, std::unique_ptr<PendingReply> reply) {
-        answer(handlers, message, std::move(reply));
-      });
+  messenger_set_handler(self->messenger, self->name,
+                        [handlers](GBytes* message, std::unique_ptr<PendingReply> reply) {
+                          answer(handlers, message, std::move(reply));
+                        });
 }
 
 gboolean fl_event_channel_send(FlEventChannel* self, FlValue* event, GCancellable* cancellable,
@@ -100,9 +96,6 @@ gboolean fl_event_channel_send(FlEventChannel* self, FlValue* event, GCancellabl
   g_return_val_if_fail(event != nullptr, FALSE);
   if (g_cancellable_set_error_if_cancelled(cancellable, error)) return FALSE;
   g_autoptr(FlMethodSuccessResponse) response = fl_method_success_response_new(event);
-  g_autoptr(GBytes) message =
-      FL_METHOD_CODEC_GET_CLASS(self->codec)
-          ->encode_response(self->codec, FL_METHOD_RESPONSE(response), error);
-  return message != nullptr &&
-         binary_messenger_send_message(self->messenger, self->name, message, error);
+  g_autoptr(GBytes) message = encode_reply(FL_METHOD_RESPONSE(response), error);
+  return message != nullptr && messenger_send_to_ui(self->messenger, self->name, message, error);
 }

@@ -1,10 +1,10 @@
 #include "flutter_embedding/channels/method_call.h"
 
-#include "flutter_embedding/channels/binary_messenger.h"
+#include "flutter_embedding/channels/messenger.h"
+#include "flutter_embedding/codec/standard_codec.h"
 
 struct _FlMethodCall {
   GObject parent_instance;
-  FlMethodCodec* codec;
   char* name;
   FlValue* args;
   PendingReply* reply;
@@ -17,7 +17,6 @@ static void fl_method_call_finalize(GObject* object) {
   delete self->reply;
   g_free(self->name);
   g_clear_pointer(&self->args, fl_value_unref);
-  g_clear_object(&self->codec);
   G_OBJECT_CLASS(fl_method_call_parent_class)->finalize(object);
 }
 
@@ -27,19 +26,17 @@ static void fl_method_call_class_init(FlMethodCallClass* klass) {
 
 static void fl_method_call_init(FlMethodCall*) {}
 
-FlMethodCall* method_call_from_message(FlMethodCodec* codec, const char* channel, GBytes* message,
+FlMethodCall* method_call_from_message(const char* channel, GBytes* message,
                                        std::unique_ptr<PendingReply> reply) {
-  g_autofree gchar* name = nullptr;
-  g_autoptr(FlValue) args = nullptr;
+  DecodedCall decoded;
   g_autoptr(GError) error = nullptr;
-  if (!FL_METHOD_CODEC_GET_CLASS(codec)->decode_method_call(codec, message, &name, &args, &error)) {
+  if (!decode_method_call(message, &decoded, &error)) {
     g_warning("Channel %s got a malformed method call: %s", channel, error->message);
     return nullptr;
   }
   auto* self = FL_METHOD_CALL(g_object_new(fl_method_call_get_type(), nullptr));
-  self->codec = FL_METHOD_CODEC(g_object_ref(codec));
-  self->name = g_steal_pointer(&name);
-  self->args = g_steal_pointer(&args);
+  self->name = g_strdup(decoded.name.c_str());
+  self->args = decoded.args.release();
   self->reply = reply.release();
   return self;
 }
@@ -62,8 +59,7 @@ gboolean fl_method_call_respond(FlMethodCall* self, FlMethodResponse* response, 
                 "The call of %s has been answered before", self->name);
     return FALSE;
   }
-  g_autoptr(GBytes) message =
-      FL_METHOD_CODEC_GET_CLASS(self->codec)->encode_response(self->codec, response, error);
+  g_autoptr(GBytes) message = encode_reply(response, error);
   if (message == nullptr) return FALSE;
   if (!self->reply->send(message)) {
     g_set_error(error, messenger_error_quark(), MESSENGER_ERROR_CLOSED,

@@ -9,7 +9,7 @@
 
 // Reads the call that came in on a channel. A message that is no call is reported as a GLib warning
 // and gives null; the reply then goes out as unhandled. Main thread only.
-FlMethodCall* method_call_from_message(FlMethodCodec* codec, const char* channel, GBytes* message,
+FlMethodCall* method_call_from_message(const char* channel, GBytes* message,
                                        std::unique_ptr<PendingReply> reply);
 
 #endif

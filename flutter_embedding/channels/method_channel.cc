@@ -1,4 +1,4 @@
-#include "flutter_embedding/channels/binary_messenger.h"
+#include "flutter_embedding/channels/messenger.h"
 #include "flutter_embedding/channels/method_call.h"
 #include "flutter_embedding/channels/references.h"
 
@@ -6,7 +6,6 @@ struct _FlMethodChannel {
   GObject parent_instance;
   FlBinaryMessenger* messenger;
   char* name;
-  FlMethodCodec* codec;
 };
 
 G_DEFINE_FINAL_TYPE(FlMethodChannel, fl_method_channel, G_TYPE_OBJECT)
@@ -14,7 +13,6 @@ G_DEFINE_FINAL_TYPE(FlMethodChannel, fl_method_channel, G_TYPE_OBJECT)
 static void fl_method_channel_finalize(GObject* object) {
   FlMethodChannel* self = FL_METHOD_CHANNEL(object);
   g_clear_object(&self->messenger);
-  g_clear_object(&self->codec);
   g_free(self->name);
   G_OBJECT_CLASS(fl_method_channel_parent_class)->finalize(object);
 }
@@ -33,7 +31,6 @@ FlMethodChannel* fl_method_channel_new(FlBinaryMessenger* messenger, const gchar
   auto* self = FL_METHOD_CHANNEL(g_object_new(fl_method_channel_get_type(), nullptr));
   self->messenger = FL_BINARY_MESSENGER(g_object_ref(messenger));
   self->name = g_strdup(name);
-  self->codec = FL_METHOD_CODEC(g_object_ref(codec));
   return self;
 }
 
@@ -43,18 +40,17 @@ void fl_method_channel_set_method_call_handler(FlMethodChannel* self,
   g_return_if_fail(FL_IS_METHOD_CHANNEL(self));
   const std::shared_ptr<void> shared_data = share_user_data(user_data, destroy);
   if (handler == nullptr) {
-    binary_messenger_set_message_handler(self->messenger, self->name, nullptr);
+    messenger_set_handler(self->messenger, self->name, nullptr);
     return;
   }
   // The reference in here is the one that keeps the channel alive while its handler is installed.
-  binary_messenger_set_message_handler(self->messenger, self->name,
-                                       [channel = share_object(self), handler, shared_data](
-                                           GBytes* message, std::unique_ptr<PendingReply> reply) {
-                                         g_autoptr(FlMethodCall) call =
-                                             method_call_from_message(channel->codec, channel->name,
-                                                                      message, std::move(reply));
-                                         if (call != nullptr) {
-                                           handler(channel.get(), call, shared_data.get());
-                                         }
-                                       });
+  messenger_set_handler(self->messenger, self->name,
+                        [channel = share_object(self), handler, shared_data](
+                            GBytes* message, std::unique_ptr<PendingReply> reply) {
+                          g_autoptr(FlMethodCall) call =
+                              method_call_from_message(channel->name, message, std::move(reply));
+                          if (call != nullptr) {
+                            handler(channel.get(), call, shared_data.get());
+                          }
+                        });
 }

@@ -1,9 +1,7 @@
 #include "flutter_embedding/codec/standard_codec.h"
 
 #include "flutter_embedding/channels/method_response.h"
-#include "flutter_embedding/codec/codec_error.h"
-#include "flutter_embedding/codec/value_reader.h"
-#include "flutter_embedding/codec/value_writer.h"
+#include "flutter_embedding/codec/values_as_bytes.h"
 
 namespace {
 
@@ -73,6 +71,8 @@ ValueRef read_method_name(MessageReader& reader, GError** error) {
 
 }  // namespace
 
+G_DEFINE_QUARK(codec - error, codec_error)
+
 GBytes* encode_value(const FlValue* value, GError** error) {
   Message message;
   return write_value(message, value, error) ? to_bytes(message) : nullptr;
@@ -126,4 +126,25 @@ FlMethodResponse* decode_reply(GBytes* message, GError** error) {
                   "A reply begins with byte %u", envelope);
       return nullptr;
   }
+}
+
+// The codec's types hold nothing and do nothing: there is only one codec, so the channels call the
+// functions above.
+struct _FlStandardMethodCodec {
+  FlMethodCodec parent_instance;
+};
+
+G_DEFINE_ABSTRACT_TYPE(FlMethodCodec, fl_method_codec, G_TYPE_OBJECT)
+G_DEFINE_FINAL_TYPE(FlStandardMethodCodec, fl_standard_method_codec, fl_method_codec_get_type())
+
+static void fl_method_codec_class_init(FlMethodCodecClass*) {}
+
+static void fl_method_codec_init(FlMethodCodec*) {}
+
+static void fl_standard_method_codec_class_init(FlStandardMethodCodecClass*) {}
+
+static void fl_standard_method_codec_init(FlStandardMethodCodec*) {}
+
+FlStandardMethodCodec* fl_standard_method_codec_new() {
+  return FL_STANDARD_METHOD_CODEC(g_object_new(fl_standard_method_codec_get_type(), nullptr));
 }

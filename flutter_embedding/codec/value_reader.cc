@@ -1,9 +1,6 @@
-#include "flutter_embedding/codec/value_reader.h"
-
 #include <cstring>
 
-#include "flutter_embedding/codec/codec_error.h"
-#include "flutter_embedding/codec/wire_format.h"
+#include "flutter_embedding/codec/values_as_bytes.h"
 
 namespace {
 

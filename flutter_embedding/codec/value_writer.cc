@@ -1,10 +1,6 @@
-#include "flutter_embedding/codec/value_writer.h"
-
 #include <limits>
 
-#include "flutter_embedding/codec/codec_error.h"
-#include "flutter_embedding/codec/wire_format.h"
-#include "flutter_embedding/values/value.h"
+#include "flutter_embedding/codec/values_as_bytes.h"
 
 namespace {
 

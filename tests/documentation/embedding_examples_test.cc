@@ -3,7 +3,7 @@
 #include <deque>
 #include <regex>
 
-#include "flutter_embedding/channels/engine_messenger.h"
+#include "flutter_embedding/channels/messenger.h"
 #include "log_stream/log_stream.h"
 #include "proxy_service/tasks.h"
 #include "support/channel_client.h"
@@ -45,13 +45,12 @@ TEST(EmbeddingPage, EveryExampleHolds) {
   g_setenv("XDG_CURRENT_DESKTOP", "GNOME", 1);
   ChannelClient client;
   open_log_stream(client.messenger());
-  FlEngineMessenger* const wire = FL_ENGINE_MESSENGER(client.messenger());
   std::deque<std::string> arrived;
   const auto receive = [&arrived](GBytes* bytes) {
     const auto data = static_cast<const char*>(g_bytes_get_data(bytes, nullptr));
     arrived.emplace_back(data, g_bytes_get_size(bytes));
   };
-  fl_engine_messenger_set_receiver(wire, k_log_stream, receive);
+  messenger_set_receiver(client.messenger(), k_log_stream, receive);
   const std::string page = page_for(home);
   const std::regex line("\n(given|call|poll|stream|reply|event)( {2}.*(\n {8}.*)*)?(?=\n)");
   for (Matches match(page.begin(), page.end(), line), end; match != end; ++match) {
@@ -67,7 +66,7 @@ TEST(EmbeddingPage, EveryExampleHolds) {
       if (word == "poll") wait_for_workers();
       g_autoptr(GBytes) message = g_bytes_new(bytes.data(), bytes.size());
       const char* const channel = word == "stream" ? k_log_stream : k_proxy_service;
-      fl_engine_messenger_send_to_host(wire, channel, message, receive);
+      messenger_send_to_host(client.messenger(), channel, message, receive);
     }
   }
   const std::regex method("\n\\| `(\\w+)` \\|");

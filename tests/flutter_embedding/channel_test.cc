@@ -1,6 +1,6 @@
 #include <gtest/gtest.h>
 
-#include "flutter_embedding/channels/binary_messenger.h"
+#include "flutter_embedding/channels/messenger.h"
 #include "flutter_embedding/engine.h"
 #include "flutter_embedding/ui_channel.h"
 

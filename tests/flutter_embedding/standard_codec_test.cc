@@ -2,8 +2,7 @@
 
 #include <gtest/gtest.h>
 
-#include "flutter_embedding/codec/codec_error.h"
-#include "flutter_embedding/codec/wire_format.h"
+#include "flutter_embedding/codec/values_as_bytes.h"
 
 namespace {
 

@@ -166,13 +166,8 @@ FlMethodNotImplementedResponse* fl_method_not_implemented_response_new(void);
 // How the host's end of a channel reads calls and writes answers.
 G_DECLARE_DERIVABLE_TYPE(FlMethodCodec, fl_method_codec, FL, METHOD_CODEC, GObject)
 
-// Both give null or false and an error on failure. The name is to be freed, the rest unreferenced.
 struct _FlMethodCodecClass {
   GObjectClass parent_class;
-
-  gboolean (*decode_method_call)(FlMethodCodec* codec, GBytes* message, gchar** name,
-                                 FlValue** args, GError** error);
-  GBytes* (*encode_response)(FlMethodCodec* codec, FlMethodResponse* response, GError** error);
 };
 
 G_DECLARE_FINAL_TYPE(FlStandardMethodCodec, fl_standard_method_codec, FL, STANDARD_METHOD_CODEC,

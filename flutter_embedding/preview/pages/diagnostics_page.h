@@ -6,7 +6,7 @@
 
 #include <memory>
 
-#include "flutter_embedding/preview/runner/later.h"
+#include "flutter_embedding/later.h"
 
 namespace preview {
 

@@ -2,9 +2,9 @@
 
 #include <memory>
 
+#include "flutter_embedding/later.h"
 #include "flutter_embedding/preview/panels/text_pane.h"
 #include "flutter_embedding/preview/panels/widgets.h"
-#include "flutter_embedding/preview/runner/later.h"
 
 namespace preview {
 namespace {

@@ -7,7 +7,7 @@
 #include <memory>
 #include <string>
 
-#include "flutter_embedding/preview/runner/later.h"
+#include "flutter_embedding/later.h"
 #include "flutter_embedding/preview/runner/preview_options.h"
 #include "flutter_embedding/preview/runner/service_client.h"
 

@@ -8,7 +8,7 @@
 #include <optional>
 #include <string>
 
-#include "flutter_embedding/preview/runner/later.h"
+#include "flutter_embedding/later.h"
 #include "flutter_embedding/preview/runner/preview_options.h"
 #include "flutter_embedding/preview/runner/task_phase.h"
 

@@ -1,4 +1,4 @@
-#include "flutter_embedding/preview/runner/later.h"
+#include "flutter_embedding/later.h"
 
 #include <glib.h>
 
@@ -6,7 +6,6 @@
 
 #include "flutter_embedding/guarded.h"
 
-namespace preview {
 namespace {
 
 struct Delayed {
@@ -39,5 +38,3 @@ void run_when_idle(const Life& life, std::function<void()> task) {
   g_idle_add_full(G_PRIORITY_DEFAULT_IDLE, run_delayed, new Delayed{life, std::move(task)},
                   free_delayed);
 }
-
-}  // namespace preview

@@ -1,0 +1,80 @@
+// The bytes of a value: the type's byte and what follows it, how deep values may be nested, and the
+// functions that read and write them. Any thread. On failure they give null or false and a
+// CodecError.
+
+#ifndef CORVANA_FLUTTER_EMBEDDING_CODEC_VALUES_AS_BYTES_H_
+#define CORVANA_FLUTTER_EMBEDDING_CODEC_VALUES_AS_BYTES_H_
+
+#include <cstddef>
+#include <cstdint>
+#include <string>
+#include <vector>
+
+#include "flutter_embedding/values/value.h"
+
+// Why bytes are no message, or a value can't become one.
+enum CodecError {
+  CODEC_ERROR_TRUNCATED,        // the message ends early, or a size reaches beyond its end
+  CODEC_ERROR_UNKNOWN_TYPE,     // no such type byte or envelope
+  CODEC_ERROR_UNEXPECTED_TYPE,  // a well-formed value where one of another type belongs
+  CODEC_ERROR_TRAILING_BYTES,   // more bytes after the end of the value
+  CODEC_ERROR_ZERO_IN_NAME,
+  CODEC_ERROR_TOO_DEEP,
+  CODEC_ERROR_TOO_LARGE,  // a size that doesn't fit into four bytes
+};
+
+GQuark codec_error_quark();
+
+enum class WireType : uint8_t {
+  null_value = 0,
+  true_value = 1,
+  false_value = 2,
+  int32 = 3,
+  int64 = 4,
+  float64 = 6,
+  string = 7,
+  uint8_list = 8,
+  int32_list = 9,
+  int64_list = 10,
+  float64_list = 11,
+  list = 12,
+  map = 13,
+  float32_list = 14,
+};
+
+// A size below 254 is one byte. Mark 254 is followed by a size of two bytes, mark 255 by one of four.
+inline constexpr uint8_t k_two_byte_size_mark = 254;
+inline constexpr uint8_t k_four_byte_size_mark = 255;
+
+// Values are read, written and released recursively: a message of nothing but list openings must
+// not use up the stack.
+inline constexpr int k_max_nesting = 128;
+
+// A message, borrowed, and how much of it has been read. The bytes come from outside: nothing in
+// them is believed before it is checked against what is left.
+struct MessageReader {
+  const uint8_t* bytes;
+  size_t size;
+  size_t position = 0;
+
+  size_t left() const { return size - position; }
+};
+
+// After a failure the position is where the reader gave up.
+ValueRef read_value(MessageReader& reader, GError** error);
+
+// As read_value, but any other type than a string is an error too.
+ValueRef read_string(MessageReader& reader, GError** error);
+
+// Whether the whole message has been read.
+bool expect_end(const MessageReader& reader, GError** error);
+
+// The next byte, which must exist.
+bool read_byte(MessageReader& reader, uint8_t* byte, GError** error);
+
+// Both append to `message`, which holds the message from its first byte on, since padding counts
+// from there. After a failure `message` is of no use.
+bool write_value(std::vector<uint8_t>& message, const FlValue* value, GError** error);
+bool write_string(std::vector<uint8_t>& message, const std::string& text, GError** error);
+
+#endif
