@@ -28,6 +28,8 @@ test_packages=(
   bubblewrap curl python3
   # The desktops' own tools, which the tests write settings with; KDE's is added below.
   libxfconf-0-3 xfconf
+  # The window's reader and its keys.
+  at-spi2-core gir1.2-atspi-2.0 xdotool
   # Readers of the proxy settings that come from elsewhere.
   gir1.2-glib-2.0 glib-networking libproxy-tools python3-gi systemd
 )

@@ -72,9 +72,8 @@ GtkWidget* scrolling_details_new(ConnectionPage* page) {
     hide_until_wanted(panel);
     gtk_container_add(GTK_CONTAINER(details), panel);
   }
-  GtkWidget* scrolled = scrolled_new(details);
+  GtkWidget* scrolled = scrolled_new(details, "连接详情");
   gtk_widget_set_vexpand(scrolled, TRUE);
-  atk_object_set_name(gtk_widget_get_accessible(scrolled), "连接详情");
   // In the smallest window the beginning of a failure is still there to read.
   gtk_scrolled_window_set_min_content_height(GTK_SCROLLED_WINDOW(scrolled), 96);
   return scrolled;

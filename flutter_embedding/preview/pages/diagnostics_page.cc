@@ -21,7 +21,7 @@ struct DiagnosticsPage {
   Life life;
   GtkWidget* widget = nullptr;
   GtkStack* content = nullptr;  // "loading", "table" or "failed"
-  GtkGrid* table = nullptr;
+  GtkWidget* table = nullptr;
   GtkWidget* refresh = nullptr;
   GtkWidget* copy = nullptr;
   std::vector<DiagnosticsRow> rows;
@@ -86,28 +86,25 @@ std::string text_of(const std::vector<DiagnosticsRow>& rows) {
 // first.
 constexpr unsigned k_paint_milliseconds = 300;
 
-void add_row(GtkGrid* table, int place, const DiagnosticsRow& row) {
-  GtkWidget* caption = dim_label_new(row.label);
+std::vector<GtkWidget*> row_new(const DiagnosticsRow& row) {
   GtkWidget* value = value_label_new(row.value.c_str());
+  GtkWidget* caption = caption_new(row.label, value);
   // Chinese letters are higher than Latin ones; the words still stand on one line.
   gtk_widget_set_valign(caption, GTK_ALIGN_BASELINE);
   gtk_widget_set_valign(value, GTK_ALIGN_BASELINE);
   for (const char* style_class : {k_plain, row.style_class}) add_style_class(value, style_class);
-  gtk_label_set_mnemonic_widget(GTK_LABEL(caption), value);
-  gtk_grid_attach(table, value, 1, place, 1, 1);
-  gtk_grid_attach(table, caption, 0, place, 1, 1);
+  return {caption, value};
 }
 
 void remove_from_table(GtkWidget* child, gpointer) { gtk_widget_destroy(child); }
 
 void show_rows(DiagnosticsPage* page) {
   gtk_container_foreach(GTK_CONTAINER(page->table), remove_from_table, nullptr);
-  // Screen readers read what was attached last first.
-  for (auto place = static_cast<int>(page->rows.size()); place-- > 0;) {
-    add_row(page->table, place, page->rows[static_cast<size_t>(place)]);
-  }
-  use_chinese_glyphs(GTK_WIDGET(page->table));
-  gtk_widget_show_all(GTK_WIDGET(page->table));
+  std::vector<std::vector<GtkWidget*>> rows;
+  for (const DiagnosticsRow& row : page->rows) rows.push_back(row_new(row));
+  fill_grid(page->table, rows);
+  use_chinese_glyphs(page->table);
+  gtk_widget_show_all(page->table);
 }
 
 void show_answer(DiagnosticsPage* page, const UiReply& reply) {
@@ -151,13 +148,9 @@ GtkWidget* note_new(const char* text) {
 }
 
 GtkWidget* table_new(DiagnosticsPage* page) {
-  GtkWidget* table = gtk_grid_new();
-  page->table = GTK_GRID(table);
-  gtk_grid_set_row_spacing(page->table, k_spacing);
-  gtk_grid_set_column_spacing(page->table, k_margin);
-  set_all_margins(table, k_spacing);
-  atk_object_set_name(gtk_widget_get_accessible(table), "诊断结果");
-  GtkWidget* scrolled = scrolled_new(table);
+  page->table = gtk_grid_new();
+  set_all_margins(page->table, k_spacing);
+  GtkWidget* scrolled = scrolled_new(page->table, "诊断结果");
   add_style_class(scrolled, "view");
   gtk_scrolled_window_set_shadow_type(GTK_SCROLLED_WINDOW(scrolled), GTK_SHADOW_IN);
   return scrolled;

@@ -56,12 +56,6 @@ void open_chooser(GtkEntry* entry) {
   g_object_set_data_full(G_OBJECT(entry), "chooser", chooser, g_object_unref);
 }
 
-GtkWidget* caption_new(const char* text, GtkWidget* described) {
-  GtkWidget* caption = dim_label_new(text);
-  gtk_label_set_mnemonic_widget(GTK_LABEL(caption), described);
-  return caption;
-}
-
 GtkWidget* config_row_new(ConnectionForm* form, const Options& options) {
   GtkWidget* entry = gtk_entry_new();
   form->config = GTK_ENTRY(entry);
@@ -101,20 +95,15 @@ GtkWidget* mode_row_new(ConnectionForm* form, const Options& options) {
 std::unique_ptr<ConnectionForm> connection_form_new(const Options& options) {
   auto form = std::make_unique<ConnectionForm>();
   form->widget = gtk_grid_new();
-  GtkGrid* grid = GTK_GRID(form->widget);
-  gtk_grid_set_row_spacing(grid, k_spacing);
-  gtk_grid_set_column_spacing(grid, k_spacing);
   GtkWidget* complaint = value_label_new("");
   form->complaint = GTK_LABEL(complaint);
   add_style_class(complaint, "preview-bad");
   hide_until_wanted(complaint);
   GtkWidget* config_row = config_row_new(form.get(), options);
   GtkWidget* mode_row = mode_row_new(form.get(), options);
-  gtk_grid_attach(grid, caption_new("配置文件(_F)", GTK_WIDGET(form->config)), 0, 0, 1, 1);
-  gtk_grid_attach(grid, config_row, 1, 0, 1, 1);
-  gtk_grid_attach(grid, complaint, 1, 1, 1, 1);
-  gtk_grid_attach(grid, dim_label_new("代理模式"), 0, 2, 1, 1);
-  gtk_grid_attach(grid, mode_row, 1, 2, 1, 1);
+  fill_grid(form->widget, {{caption_new("配置文件(_F)", GTK_WIDGET(form->config)), config_row},
+                           {nullptr, complaint},
+                           {dim_label_new("代理模式"), mode_row}});
   return form;
 }
 

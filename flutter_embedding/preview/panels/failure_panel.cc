@@ -18,7 +18,7 @@ void show_log(FailurePanel* panel, std::string log_tail) {
   gtk_widget_set_visible(panel->log, !log_tail.empty());
   if (!log_tail.empty() && log_tail.back() == '\n') log_tail.pop_back();
   gtk_text_buffer_set_text(panel->log_pane.buffer, "", 0);
-  log_view_append(panel->log_pane.buffer, log_tail);
+  text_pane_append(panel->log_pane, log_tail);
 }
 
 void show_manual(const FailurePanel& panel) {

@@ -45,7 +45,7 @@ void open_manual(GtkWidget* near, const std::string& heading) {
   const TextPane pane = text_pane_new(k_title);
   gtk_text_view_set_wrap_mode(pane.view, GTK_WRAP_WORD_CHAR);
   gtk_container_add(GTK_CONTAINER(gtk_dialog_get_content_area(GTK_DIALOG(window))), pane.widget);
-  log_view_append(pane.buffer, read_manual());
+  text_pane_append(pane, read_manual());
   use_chinese_glyphs(window);
   gtk_widget_show_all(window);
   auto life = std::make_shared<char>();

@@ -12,17 +12,8 @@ constexpr char k_source_line[] = "source ~/.config/corvana/proxy.sh";
 constexpr char k_no_source_line[] = "此模式下不设置终端环境变量";
 constexpr char k_no_port[] = "配置中没有 mixed 入站端口";
 
-GtkLabel* add_row(GtkGrid* grid, int row, const char* caption, const char* copy_name,
-                  GtkWidget** copy_button) {
-  GtkWidget* value = value_label_new("");
-  *copy_button =
-      copy_button_new(copy_name, [value] { return gtk_label_get_text(GTK_LABEL(value)); });
-  GtkWidget* label = dim_label_new(caption);
-  gtk_label_set_mnemonic_widget(GTK_LABEL(label), value);
-  gtk_grid_attach(grid, label, 0, row, 1, 1);
-  gtk_grid_attach(grid, value, 1, row, 1, 1);
-  gtk_grid_attach(grid, *copy_button, 2, row, 1, 1);
-  return GTK_LABEL(value);
+GtkWidget* copy_button_of(GtkWidget* value, const char* accessible_name) {
+  return copy_button_new(accessible_name, [value] { return gtk_label_get_text(GTK_LABEL(value)); });
 }
 
 void show_text(GtkLabel* label, const std::string& text, bool can_be_copied,
@@ -39,12 +30,15 @@ void show_text(GtkLabel* label, const std::string& text, bool can_be_copied,
 std::unique_ptr<ProxyAddressPanel> proxy_address_panel_new() {
   auto panel = std::make_unique<ProxyAddressPanel>();
   GtkWidget* grid = gtk_grid_new();
-  gtk_grid_set_row_spacing(GTK_GRID(grid), k_spacing);
-  gtk_grid_set_column_spacing(GTK_GRID(grid), k_spacing);
   set_all_margins(grid, k_spacing);
-  panel->address = add_row(GTK_GRID(grid), 0, "代理地址", "复制本机代理地址", &panel->copy_address);
-  panel->source_line =
-      add_row(GTK_GRID(grid), 1, "终端使用", "复制终端命令", &panel->copy_source_line);
+  GtkWidget* address = value_label_new("");
+  GtkWidget* source_line = value_label_new("");
+  panel->address = GTK_LABEL(address);
+  panel->copy_address = copy_button_of(address, "复制本机代理地址");
+  panel->source_line = GTK_LABEL(source_line);
+  panel->copy_source_line = copy_button_of(source_line, "复制终端命令");
+  fill_grid(grid, {{caption_new("代理地址", address), address, panel->copy_address},
+                   {caption_new("终端使用", source_line), source_line, panel->copy_source_line}});
   panel->widget = gtk_frame_new(nullptr);
   add_style_class(panel->widget, "view");
   gtk_container_add(GTK_CONTAINER(panel->widget), grid);

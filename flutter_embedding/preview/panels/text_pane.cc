@@ -13,7 +13,6 @@ constexpr int k_text_margin = 6;
 constexpr char k_chinese_tag[] = "chinese";
 constexpr char k_warning_tag[] = "warning";
 constexpr char k_error_tag[] = "error";
-constexpr char k_hidden_tag[] = "hidden";
 
 // What cores and their libraries write near the beginning of a line, with the line's tag.
 constexpr std::size_t k_level_range = 64;
@@ -83,7 +82,6 @@ GtkTextBuffer* buffer_new() {
   gtk_text_buffer_create_tag(buffer, k_chinese_tag, "language", "zh-cn", nullptr);
   gtk_text_buffer_create_tag(buffer, k_warning_tag, "style", PANGO_STYLE_ITALIC, nullptr);
   gtk_text_buffer_create_tag(buffer, k_error_tag, "weight", PANGO_WEIGHT_BOLD, nullptr);
-  gtk_text_buffer_create_tag(buffer, k_hidden_tag, "invisible", TRUE, nullptr);
   return buffer;
 }
 
@@ -109,7 +107,7 @@ GtkTextView* view_new(const char* accessible_name) {
 
 TextPane text_pane_new(const char* accessible_name) {
   GtkTextView* view = view_new(accessible_name);
-  GtkWidget* scrolled = scrolled_new(GTK_WIDGET(view));
+  GtkWidget* scrolled = scrolled_new(GTK_WIDGET(view), accessible_name);
   // Lines aren't wrapped: that would put hyphens into them, and takes long.
   gtk_scrolled_window_set_policy(GTK_SCROLLED_WINDOW(scrolled), GTK_POLICY_AUTOMATIC,
                                  GTK_POLICY_AUTOMATIC);
@@ -126,7 +124,8 @@ void text_pane_follow_end(const TextPane& pane, std::function<bool()> is_wanted)
   });
 }
 
-void log_view_append(GtkTextBuffer* buffer, std::string_view batch) {
+void text_pane_append(const TextPane& pane, std::string_view batch) {
+  GtkTextBuffer* buffer = pane.buffer;
   std::string lines = with_cut_lines(batch);
   if (gtk_text_buffer_get_char_count(buffer) > 0) lines.insert(lines.begin(), '\n');
   g_autofree char* valid = g_utf8_make_valid(lines.data(), static_cast<gssize>(lines.size()));
@@ -138,25 +137,6 @@ void log_view_append(GtkTextBuffer* buffer, std::string_view batch) {
   gtk_text_buffer_insert_with_tags(buffer, &end, valid, -1, chinese, nullptr);
   mark_levels(buffer, last_line, valid);
   drop_oldest_lines(buffer);
-}
-
-void log_view_hide_all_but(GtkTextBuffer* buffer, int last_lines) {
-  const int hidden_lines = gtk_text_buffer_get_line_count(buffer) - last_lines;
-  if (hidden_lines <= 0) return;
-  GtkTextTag* hidden =
-      gtk_text_tag_table_lookup(gtk_text_buffer_get_tag_table(buffer), k_hidden_tag);
-  GtkTextIter end;
-  gtk_text_buffer_get_iter_at_line(buffer, &end, hidden_lines);
-  // Not those that are hidden already: each would be looked at again.
-  GtkTextIter start = end;
-  gtk_text_iter_backward_to_tag_toggle(&start, hidden);
-  gtk_text_buffer_apply_tag(buffer, hidden, &start, &end);
-}
-
-void log_view_show_all(GtkTextBuffer* buffer) {
-  GtkTextIter start, end;
-  gtk_text_buffer_get_bounds(buffer, &start, &end);
-  gtk_text_buffer_remove_tag_by_name(buffer, k_hidden_tag, &start, &end);
 }
 
 }  // namespace preview

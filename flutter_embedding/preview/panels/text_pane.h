@@ -28,14 +28,9 @@ inline constexpr int k_max_log_lines = 5000;
 // dropped.
 inline constexpr std::size_t k_max_log_line_size = 4096;
 
-// Appends a batch of lines (joined by line feeds, none at the end) to any buffer and drops the
-// oldest lines beyond the most. Bytes that aren't UTF-8 show as U+FFFD. Main thread only.
-void log_view_append(GtkTextBuffer* buffer, std::string_view batch);
-
-// Hides all lines but the last ones. Hidden lines need no layout, which is what a busy log costs
-// most.
-void log_view_hide_all_but(GtkTextBuffer* buffer, int last_lines);
-void log_view_show_all(GtkTextBuffer* buffer);
+// Appends a batch of lines (joined by line feeds, none at the end) and drops the oldest lines beyond
+// the most. Bytes that aren't UTF-8 show as U+FFFD.
+void text_pane_append(const TextPane& pane, std::string_view batch);
 
 }  // namespace preview
 

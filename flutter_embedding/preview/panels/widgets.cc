@@ -91,6 +91,12 @@ GtkWidget* dim_label_new(const char* text) {
   return label;
 }
 
+GtkWidget* caption_new(const char* text, GtkWidget* described) {
+  GtkWidget* caption = dim_label_new(text);
+  gtk_label_set_mnemonic_widget(GTK_LABEL(caption), described);
+  return caption;
+}
+
 GtkWidget* value_label_new(const char* text) {
   GtkWidget* label = gtk_label_new(text);
   gtk_label_set_xalign(GTK_LABEL(label), 0);
@@ -126,8 +132,22 @@ GtkWidget* copy_button_new(const char* accessible_name, std::function<std::strin
   return button;
 }
 
-GtkWidget* scrolled_new(GtkWidget* content) {
+void fill_grid(GtkWidget* grid, const std::vector<std::vector<GtkWidget*>>& rows) {
+  gtk_grid_set_row_spacing(GTK_GRID(grid), k_spacing);
+  gtk_grid_set_column_spacing(GTK_GRID(grid), k_spacing);
+  // Screen readers read what was attached last first.
+  for (size_t row = rows.size(); row-- > 0;) {
+    for (size_t column = rows[row].size(); column-- > 0;) {
+      if (rows[row][column] == nullptr) continue;
+      gtk_grid_attach(GTK_GRID(grid), rows[row][column], static_cast<int>(column),
+                      static_cast<int>(row), 1, 1);
+    }
+  }
+}
+
+GtkWidget* scrolled_new(GtkWidget* content, const char* accessible_name) {
   GtkWidget* scrolled = gtk_scrolled_window_new(nullptr, nullptr);
+  atk_object_set_name(gtk_widget_get_accessible(scrolled), accessible_name);
   gtk_scrolled_window_set_policy(GTK_SCROLLED_WINDOW(scrolled), GTK_POLICY_NEVER,
                                  GTK_POLICY_AUTOMATIC);
   // A bar that stays tells that there is more.

@@ -5,6 +5,7 @@
 
 #include <functional>
 #include <string>
+#include <vector>
 
 // What the pages share. Every maker returns a floating widget that its container shows with
 // gtk_widget_show_all. Main thread only.
@@ -32,8 +33,10 @@ void use_chinese_glyphs(GtkWidget* widget);
 // goes.
 void on_signal(gpointer object, const char* signal, std::function<void()> handler);
 
-// A left-aligned caption that steps back behind what it describes.
+// A left-aligned text that steps back behind others. One with a mnemonic, or a caption, is bound to
+// what it describes, also for screen readers.
 GtkWidget* dim_label_new(const char* text);
+GtkWidget* caption_new(const char* text, GtkWidget* described);
 
 // A left-aligned text that wraps anywhere, can be selected and copied.
 GtkWidget* value_label_new(const char* text);
@@ -47,8 +50,12 @@ GtkWidget* button_new(const char* label_with_mnemonic, std::function<void()> on_
 // names what it copies.
 GtkWidget* copy_button_new(const char* accessible_name, std::function<std::string()> text);
 
+// Fills the grid row by row from the top left; null leaves a place empty. Screen readers read in that
+// order.
+void fill_grid(GtkWidget* grid, const std::vector<std::vector<GtkWidget*>>& rows);
+
 // Scrolls up and down, never sideways.
-GtkWidget* scrolled_new(GtkWidget* content);
+GtkWidget* scrolled_new(GtkWidget* content, const char* accessible_name);
 
 }  // namespace preview
 
