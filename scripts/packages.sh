@@ -28,13 +28,13 @@ test_packages=(
   bubblewrap curl python3
   # The desktops' own tools, which the tests write settings with; KDE's is added below.
   libxfconf-0-3 xfconf
-  # The window's reader and its keys.
-  at-spi2-core gir1.2-atspi-2.0 xdotool
+  # The window's reader, its keys and its close button.
+  at-spi2-core gir1.2-atspi-2.0 python3-xlib xdotool
   # Readers of the proxy settings that come from elsewhere.
   gir1.2-glib-2.0 glib-networking libproxy-tools python3-gi systemd
 )
 
-check_packages=(clang clang-format clang-tidy cmark-gfm cppcheck python3 shellcheck)
+check_packages=(clang clang-format clang-tidy cmark-gfm cppcheck flake8 python3 shellcheck)
 bench_packages=(bubblewrap libbenchmark-dev time)
 
 # The package, and what checks it; the unit is checked in the sandbox, the login with a real session there.

@@ -1,15 +1,15 @@
 """The window as screen readers and keyboards meet it: read over AT-SPI and driven by keys."""
 import os
 import pathlib
-import sys
+import shutil
 
 import gi
 
-sys.path.append(str(pathlib.Path(__file__).parents[1] / "support"))
-import host  # noqa: E402
+import host
 
 gi.require_version("Atspi", "2.0")
 from gi.repository import Atspi, GLib  # noqa: E402
+from Xlib import X, Xatom, display  # noqa: E402
 
 PAGES = ["radio button 连接", "radio button 日志", "radio button 诊断"]
 FORM = ["text 配置文件(F)", "push button 浏览(B)…", "radio button 设置系统代理(S)", "scroll pane 连接详情"]
@@ -38,16 +38,34 @@ def xdotool(actions):
     return host.output_of(f"xdotool {actions}")
 
 
+def announce_window_manager(name):
+    """As it does so itself, which has a window for that."""
+    server = display.Display()
+    root = server.screen().root
+    root.change_property(server.get_atom("_NET_SUPPORTING_WM_CHECK"), Xatom.WINDOW, 32, [root.id])
+    root.change_property(server.get_atom("_NET_WM_NAME"), server.get_atom("UTF8_STRING"), 8, name.encode())
+    server.sync()
+    server.close()
+
+
+def size_and_icon():
+    """The window's width and height, and whether it has an icon."""
+    server = display.Display()
+    window = max(server.screen().root.query_tree().children, key=lambda window: window.get_geometry().width)
+    size = window.get_geometry()
+    icon = window.get_full_property(server.get_atom("_NET_WM_ICON"), X.AnyPropertyType)
+    server.close()
+    return size.width, size.height, icon is not None
+
+
 class Window(host.HostTest):
     def setUp(self):
         super().setUp()
-        bus = self.run_child("dbus-daemon", "--session", "--nofork", "--print-address")
-        self.assertTrue(bus.wait_for("\n"))
-        os.environ["DBUS_SESSION_BUS_ADDRESS"] = bus.console().strip()
+        host.start_bus(self)
         os.environ.pop("NO_AT_BRIDGE", None)
 
-    def open(self, *options):
-        window = self.run_child(host.HOST, *options)
+    def open(self, *options, program=host.HOST):
+        window = self.run_child(program, *options)
         self.frame = host.eventually(self.find_frame)
         self.assertTrue(host.eventually(
             lambda: xdotool("search --onlyvisible --name Corvana windowfocus getwindowfocus") and self.focus()))
@@ -104,6 +122,23 @@ class Window(host.HostTest):
             self.assertEqual(names[:1] + names[:0:-1], self.tab_round("shift+Tab"))
             window.end()
 
+    def test_the_window_has_a_title_bar_only_where_the_desktop_draws_none_and_an_icon(self):
+        shutil.copytree(host.BUNDLE, "bundle")
+        pathlib.Path("bundle/logo.png").unlink()
+        # The name is literally that; only the icon beside the executable makes it unneeded.
+        icon = self.home / ".local/share/icons/hicolor/128x128/apps/{CONF_MERCHANT_BRAND_NAME_EN_LOWER}.png"
+        icon.parent.mkdir(parents=True)
+        shutil.copy(host.BUNDLE / "logo.png", icon)
+        for window_manager, bar in ("", []), ("Xfwm4", []), ("GNOME Shell", ["push button Close", "label Corvana"]):
+            if window_manager:
+                announce_window_manager(window_manager)
+            window = self.open(program="bundle/Corvana" if bar else host.HOST)
+            named = [name for name in map(spoken, self.seen()) if name.endswith((" Corvana", " Close"))]
+            self.assertEqual(["frame Corvana"] + bar, named)
+            width, height, has_icon = size_and_icon()
+            self.assertTrue(has_icon and (bar or (width, height) == (480, 680)))
+            window.end()
+
     def test_a_connection_by_keys_is_announced_and_moves_the_focus(self):
         self.record("gsettings")
         said = []
@@ -139,6 +174,12 @@ class Window(host.HostTest):
         view = Atspi.Component.get_extents(self.find(LOG).get_parent(), Atspi.CoordType.SCREEN)
         return view.y <= place.y and place.y + place.height <= view.y + view.height
 
+    def is_end_in_view(self):
+        return self.is_in_view(Atspi.Text.get_character_count(self.find(LOG)) - 1)
+
+    def selection_start(self):
+        return Atspi.Text.get_selection(self.find(LOG), 0).start_offset
+
     def test_the_log_is_searched_and_marks_levels(self):
         lines = ["plain", "WARN 1", "a level=error", "FATAL", "late " * 20 + "ERROR"] + ["other"] * 200
         self.open_log(lines)
@@ -147,14 +188,16 @@ class Window(host.HostTest):
         self.assertTrue(host.eventually(lambda: self.focus() == "text 查找日志"))
         for keys, found in ("O t h e r", starts[5]), ("Return", starts[6]), ("ctrl+a p l a i n", 0), ("Return", 0):
             xdotool(f"key {keys}")
-            self.assertTrue(host.eventually(
-                lambda: Atspi.Text.get_selection(self.find(LOG), 0).start_offset == found and self.is_in_view(found)), keys)
+            self.assertTrue(host.eventually(lambda: self.selection_start() == found and self.is_in_view(found)), keys)
+        self.assertEqual("plain\nWARN", Atspi.Text.get_text(self.find(LOG), 0, 10))
         looks = [Atspi.Text.get_attribute_run(self.find(LOG), start, True)[0] for start in starts[:5]]
         self.assertEqual(["400 normal", "400 italic", "700 normal", "700 normal", "400 normal"],
                          [f"{look['weight']} {look['style']}" for look in looks])
 
     def test_the_log_follows_its_end_until_a_person_scrolls_up(self):
-        log = self.open_log(["line"] * 200)
+        log = self.open_log(["line"] * 50)
+        host.output_of(f"seq 49 >>{log}")
+        self.assertTrue(host.eventually(lambda: self.find("label 99 行") and self.is_end_in_view()))
         writer = self.run_child("sh", "-c", f"while sleep 0.05; do seq 130 >>{log}; done")
         while self.focus() != LOG:
             xdotool("key Tab")
@@ -171,8 +214,4 @@ class Window(host.HostTest):
         xdotool("key ctrl+End key Up")
         self.assertTrue(host.eventually(lambda: self.find(TO_END)))
         self.assertTrue(host.eventually(lambda: xdotool("click 5") or self.find(TO_END) is None))
-        host.output_of(f"seq 50 >>{log}")
-        self.assertTrue(host.eventually(lambda: self.is_in_view(Atspi.Text.get_character_count(self.find(LOG)) - 1)))
-
-
-host.main()
+        self.assertTrue(host.eventually(self.is_end_in_view))

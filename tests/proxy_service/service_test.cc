@@ -2,6 +2,7 @@
 // refusals.
 #include <dirent.h>
 #include <dlfcn.h>
+#include <gtest/gtest.h>
 #include <spawn.h>
 #include <sys/resource.h>
 
@@ -10,12 +11,13 @@
 #include <cstring>
 #include <filesystem>
 
+#include "core/core_process.h"
 #include "core/start_task.h"
 #include "flutter_embedding/values/value.h"
-#include "host_process/host_process.h"
 #include "proxy_service/tasks.h"
 #include "support/channel_client.h"
 #include "support/leaving.h"
+#include "support/temporary_home.h"
 
 #define GOOD_CORE CORVANA_BUNDLE "/bin/zant"
 
@@ -92,9 +94,11 @@ static std::string port_not_ready(const std::string& port, const std::string& lo
 namespace {
 
 // The host's own code behind its channels, with a good core in the last place where it looks.
-class Service : public HostTest {
+class Service : public testing::Test {
  protected:
   Service() {
+    write_file("config.json", R"({"inbounds": [{"type": "mixed", "listen_port": 7890}],
+        "experimental": {"clash_api": {"external_controller": "127.0.0.1:9090"}}})");
     setenv("XDG_CURRENT_DESKTOP", "GNOME", 1);
     home_.add_recorders({"gsettings"});
     fs::create_directories("/opt/corvana/bin");
@@ -150,6 +154,7 @@ class Service : public HostTest {
     return modes;
   }
 
+  const TemporaryHome home_;
   ChannelClient client_;
 };
 
@@ -189,7 +194,7 @@ TEST_P(Faults, EndInAnAnswerAndTheNextStartWorks) {
   const std::string error = client_.call("getLastError");
   EXPECT_EQ(error, fault.error.empty() ? error : fault.error);
   EXPECT_EQ(console, fault.console.empty() ? console : fault.console);
-  EXPECT_EQ(does_core_run(), outcome == "done");
+  EXPECT_EQ(is_core_running(), outcome == "done");
   EXPECT_EQ(gnome_modes(), outcome == "done" ? "manual;" : "") << "else the proxy stays as it is";
   EXPECT_FALSE(fs::exists("executed"));
 
@@ -312,7 +317,7 @@ TEST_P(CutOffStart, TakesNoProxyBackThatItHasNotSet) {
   start_vpn_thread(fl_value_ref(args));
   EXPECT_EQ(args->references, 1) << "its own reference is released";
   EXPECT_EQ(home_.recorded_commands(), std::vector<std::string>());
-  EXPECT_FALSE(does_core_run());
+  EXPECT_FALSE(is_core_running());
 }
 
 INSTANTIATE_TEST_SUITE_P(AtProbe, CutOffStart, testing::Values(1, 2));

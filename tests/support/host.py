@@ -1,8 +1,7 @@
 """What the tests of the running program share: a home, stand-ins for the desktop's tools, and processes that end with
-the test. A test is started as: python3 TEST BUILD [CASE]..., in the sandbox that ./test makes."""
+the test."""
 import os
 import pathlib
-import signal
 import subprocess
 import sys
 import tempfile
@@ -12,7 +11,7 @@ import unittest
 if os.environ.get("CORVANA_SANDBOX") != "1":
     sys.exit("These tests run only inside the sandbox that ./test makes.")
 
-BUILD = pathlib.Path(sys.argv.pop(1)).resolve()
+BUILD = pathlib.Path(os.environ["CORVANA_BUILD"])
 BUNDLE = BUILD / "bundle"
 HOST = BUNDLE / "Corvana"
 LONG = "CORVANA_LONG_TESTS" in os.environ
@@ -46,6 +45,13 @@ def does_core_run():
     return living("-f '[z]ant'") != ""
 
 
+def start_bus(test):
+    """A session bus for the test and all that it starts."""
+    bus = test.run_child("dbus-daemon", "--session", "--nofork", "--print-address")
+    test.assertTrue(bus.wait_for("\n"), "no address")
+    os.environ["DBUS_SESSION_BUS_ADDRESS"] = bus.console().strip()
+
+
 class Child:
     """A program in a session of its own. What it and its children print goes to a file."""
 
@@ -62,12 +68,13 @@ class Child:
     def wait_for(self, text):
         return eventually(lambda: text in self.console())
 
+    def has_ended(self):
+        return self.process.poll() is not None
+
     def wait_for_exit(self, limit=30):
-        """The exit status, or the signal that ended it as a negative number; nothing when it still runs."""
-        try:
-            return self.process.wait(limit)
-        except subprocess.TimeoutExpired:
-            return None
+        """The exit status, or minus the signal that ended it; nothing when it still runs."""
+        eventually(self.has_ended, limit)
+        return self.process.returncode
 
     def still_running(self):
         """Waits a while for all that it started to end. What still runs then."""
@@ -120,7 +127,3 @@ class HostTest(unittest.TestCase):
 
     def recorded(self):
         return read(self.home / "commands").splitlines()
-
-
-def main():
-    unittest.main(verbosity=2)

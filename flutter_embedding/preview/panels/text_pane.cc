@@ -96,8 +96,6 @@ GtkTextView* view_new(const char* accessible_name) {
   gtk_text_view_set_right_margin(view, k_text_margin);
   gtk_text_view_set_top_margin(view, k_text_margin);
   gtk_text_view_set_bottom_margin(view, k_text_margin);
-  // Tab leaves the text, as it has nothing to insert.
-  gtk_text_view_set_accepts_tab(view, FALSE);
   add_style_class(widget, "preview-value");
   atk_object_set_name(gtk_widget_get_accessible(widget), accessible_name);
   return view;
