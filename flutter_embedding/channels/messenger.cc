@@ -45,7 +45,7 @@ std::unique_ptr<PendingReply> pending_reply_for(const Life& life, const ReplyCal
 
 }  // namespace
 
-G_DEFINE_QUARK(messenger - error, messenger_error)
+GQuark messenger_error_quark() { return g_quark_from_static_string("messenger-error"); }
 
 struct _FlBinaryMessengerInterface {
   GTypeInterface parent_interface;

@@ -71,7 +71,7 @@ ValueRef read_method_name(MessageReader& reader, GError** error) {
 
 }  // namespace
 
-G_DEFINE_QUARK(codec - error, codec_error)
+GQuark codec_error_quark() { return g_quark_from_static_string("codec-error"); }
 
 GBytes* encode_value(const FlValue* value, GError** error) {
   Message message;
