@@ -42,7 +42,7 @@ END {
   start = pauses + figure("start_fastest")
   row("startVPN until complete, fastest of many", sprintf("its pauses of %d ms + a script's commands", pauses), \
       start / (pauses + figure("script_fastest")), "x", 1.15, \
-      sprintf("each command has to get a shell of its own; of a script that does so too it is %.3gx", \
+      sprintf("each command has to get a shell of its own; against a script that does the same it is %.3gx", \
               start / (pauses + figure("script_of_shells_fastest"))))
 
   row("64 KiB of log split and repaired", "memcpy and g_utf8_validate", \
@@ -67,6 +67,6 @@ END {
   row("resident memory of the same", "/bin/true", figure("login_memory") / 1024, " MiB", 10, \
       sprintf("%.1f MiB, so %.2gx; loads %s", figure("true_memory") / 1024, ratio("login_memory", "true_memory"), \
               figure("login_libraries")))
-  print "Medians but where it says otherwise, of runs in turns. Functions and pgrep are measured in processor time."
+  print "Medians of alternating runs, unless the row says otherwise. Functions and pgrep are measured in processor time."
   exit status
 }

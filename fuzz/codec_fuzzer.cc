@@ -1,4 +1,4 @@
-// What decodes encodes, and decodes to an equal value.
+// Every decoded value can be encoded, and that decodes to an equal value.
 #include "flutter_embedding/codec/standard_codec.h"
 #include "fuzz/fuzzer.h"
 
@@ -9,7 +9,7 @@ void try_input(FuzzedDataProvider& input) {
   if (value == nullptr) return;
   g_autoptr(GBytes) encoded = encode_value(value.get(), nullptr);
   const ValueRef again = decode_value(encoded, nullptr);
-  // A value with a NaN in it doesn't even equal itself; its bytes do.
+  // A value that holds a NaN doesn't equal itself, so the bytes are compared too.
   const bool equals_itself = fl_value_equal(value.get(), value.get());
   require(again != nullptr && fl_value_equal(value.get(), again.get()) == equals_itself);
   g_autoptr(GBytes) encoded_again = encode_value(again.get(), nullptr);

@@ -14,7 +14,7 @@ inline void require(bool holds) {
 void try_input(FuzzedDataProvider& input);
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
-  // A finding could write files or reach a shell.
+  // An input that shows a fault could write files or run commands.
   require(std::getenv("CORVANA_SANDBOX") != nullptr);
   FuzzedDataProvider input(data, size);
   try_input(input);

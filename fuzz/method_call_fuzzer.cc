@@ -1,5 +1,5 @@
-// Every call gets exactly one reply, and every task comes to an end. What touches other processes and
-// what waits for them is replaced below: no command is ever run.
+// Every call gets exactly one reply, and every task comes to an end. What touches other processes
+// and what waits for them is replaced below: no command is ever run.
 #include "core/process_probe.h"
 #include "core/readiness.h"
 #include "flutter_embedding/codec/standard_codec.h"

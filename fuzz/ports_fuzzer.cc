@@ -1,4 +1,4 @@
-// The text searches for the ports agree with patterns that say the same in one piece.
+// The port searches find what one regular expression for each port finds.
 #include <glib.h>
 
 #include "core/core_config.h"
@@ -21,7 +21,7 @@ static int matched_port(const GRegex* regex, const std::string& text) {
 }
 
 void try_input(FuzzedDataProvider& input) {
-  // Keys are single bytes here: most changes to an input would only break them.
+  // The bytes 0x80 to 0x82 stand for the keys: random changes would break keys that are spelled out.
   static const char* const keys[] = {"external_controller", "\"mixed\"", "listen_port"};
   std::string config;
   for (const char byte : input.ConsumeRemainingBytesAsString()) {

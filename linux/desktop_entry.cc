@@ -22,10 +22,10 @@
 
 namespace fs = std::filesystem;
 
-static constexpr std::string_view k_reserved = " \t\r\"'\\><~|&;$*?#()`";
+static constexpr std::string_view k_reserved_in_exec = " \t\r\"'\\><~|&;$*?#()`";
 static constexpr std::string_view k_escaped_in_quotes = "\"`$\\";
-static constexpr std::string_view k_special_in_shell = " \t\r\n\"'\\><~|&;$*?#()`[]{}";
-static constexpr size_t k_touch_buffer_size = 512;
+static constexpr std::string_view k_needs_shell_quotes = " \t\r\n\"'\\><~|&;$*?#()`[]{}";
+static constexpr size_t k_max_touch_size = 511;
 
 static std::string with_escapes(const std::string& text, std::string_view escaped, char escape) {
   std::string result;
@@ -36,7 +36,8 @@ static std::string with_escapes(const std::string& text, std::string_view escape
   return result;
 }
 
-// What a key file escapes in any string value, on top of the quoting of an Exec line.
+// `text` as a key file's string value: a backslash before each backslash, "\t" for a tab, "\r" for
+// a carriage return. An Exec line is quoted before that.
 static std::string key_file_escaped(const std::string& text) {
   std::string escaped = with_escapes(text, "\\\t\r", '\\');
   std::replace(escaped.begin(), escaped.end(), '\t', 't');
@@ -47,7 +48,7 @@ static std::string key_file_escaped(const std::string& text) {
 static std::string exec_value(const std::string& path) {
   // A percent sign starts a field code, so a plain one is written twice.
   std::string argument = with_escapes(path, "%", '%');
-  if (argument.find_first_of(k_reserved) == argument.npos) return argument;
+  if (argument.find_first_of(k_reserved_in_exec) == argument.npos) return argument;
   return key_file_escaped("\"" + with_escapes(argument, k_escaped_in_quotes, '\\') + "\"");
 }
 
@@ -61,8 +62,8 @@ std::optional<std::string> desktop_entry_text(const std::string& exec_path) {
 }
 
 std::string touch_command(const std::string& entry_path) {
-  if (entry_path.find_first_of(k_special_in_shell) == entry_path.npos) {
-    return ("touch " + entry_path).substr(0, k_touch_buffer_size - 1);
+  if (entry_path.find_first_of(k_needs_shell_quotes) == entry_path.npos) {
+    return ("touch " + entry_path).substr(0, k_max_touch_size);
   }
   // Never cut: the shell would complain about the missing end of the quotes.
   g_autofree gchar* quoted = g_shell_quote(entry_path.c_str());
@@ -122,6 +123,7 @@ static const char* refresh_command_of_desktop() {
   return contains_ignoring_case(desktop, "KDE") ? "kbuildsycoca5 &> /dev/null" : nullptr;
 }
 
+// In dash "&>" doesn't redirect: it starts the tool in the background, so it isn't waited for.
 static void refresh_menus(const std::string& entry_path) {
   run_shell_command("update-desktop-database ~/.local/share/applications &> /dev/null");
   run_shell_command("gtk-update-icon-cache -f -t ~/.local/share/icons/hicolor &> /dev/null");

@@ -12,8 +12,8 @@ bool is_desktop_entry_created();
 // second when it succeeds. Main thread.
 void install_desktop_entry();
 
-// The desktop entry's text for a program at `exec_path`. A path with blanks or other characters that
-// the Desktop Entry Specification reserves is quoted and escaped; any other stands as it is.
+// The desktop entry's text for a program at `exec_path`. A path with blanks or other characters
+// that the Desktop Entry Specification reserves is quoted and escaped; any other stands as it is.
 // Nothing for a path with a line feed, which no entry can carry. Pure.
 std::optional<std::string> desktop_entry_text(const std::string& exec_path);
 

@@ -14,8 +14,8 @@
 
 #include "exit_cleanup.h"
 
-// GDK would end the process at once, without the clean-up. At the end of a session the display may go
-// before any signal comes.
+// GDK would end the process at once, without the clean-up. At the end of a session the display may
+// go before any signal comes.
 [[noreturn]] static void leave_without_display() {
   announce_leaving("[Corvana] 与显示服务器的连接已断开，清理系统代理后退出");
   leave_cleanly();

@@ -21,7 +21,7 @@ void announce_leaving(const char* line) {
 
 static void take_back_what_is_left() {
   const bool core_runs = is_core_running();
-  // The failure of one step must not keep the next from its work.
+  // The core is killed even if clearing the proxy throws.
   if (core_runs || is_proxy_without_core()) run_guarded(clear_system_proxy);
   if (core_runs) terminate_core();
 }
@@ -46,6 +46,6 @@ void hook_exit_signals(GApplication* application) {
     g_unix_signal_add(signal_number, on_unix_exit_signal, application);
   }
   // Each source is removed by its first signal, which would restore the default action. This keeps
-  // the signals caught, so that a second Ctrl-C can't end the process in the middle of the clean-up.
+  // the signals caught, so that a second Ctrl-C can't end the process during the clean-up.
   watch_exit_signals();
 }

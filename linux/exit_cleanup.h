@@ -3,19 +3,20 @@
 
 #include <gio/gio.h>
 
-// Begins leaving and prints `line`. Main thread.
+// Begins leaving and prints `line`. Main thread, except after the loss of an X11 display.
 void announce_leaving(const char* line);
 
-// Tells the workers to give up, waits for them, then takes back what is left: a proxy that points
-// at a core, and the core. Blocks; running it again is safe. Main thread.
+// Begins leaving and waits for the workers. Then, if a core runs or is_proxy_without_core(), clears
+// the system proxy, and kills the core. Blocks; running it again is safe. Main thread, except after
+// the loss of an X11 display.
 void leave_cleanly();
 
 // True when leave_cleanly() has stopped waiting for a worker that still runs: the process must then
 // end without destroying the state that the worker uses. Main thread.
 bool is_worker_abandoned();
 
-// Makes each of k_exit_signals leave cleanly and tell `application` to quit, which must outlive the
-// main loop. Main thread.
+// From now on each of k_exit_signals runs leave_cleanly() and quits `application`, which the caller
+// keeps alive until the main loop has ended. Main thread.
 void hook_exit_signals(GApplication* application);
 
 #endif

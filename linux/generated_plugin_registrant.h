@@ -3,7 +3,8 @@
 
 #include <flutter_linux/flutter_linux.h>
 
-// Registers the six plugins, in their fixed order, with the view. Borrows `registry`. Main thread.
+// Written by hand, despite its name. Registers the six plugins, in their fixed order, with the
+// view. Borrows `registry`. Main thread.
 void fl_register_plugins(FlPluginRegistry* registry);
 
 #endif

@@ -11,7 +11,8 @@ int main(int argc, char** argv) {
   prepare_signals();
   MyApplication* const application = my_application_new();
   const int exit_status = g_application_run(G_APPLICATION(application), argc, argv);
-  // Everything is taken back. A plugin whose teardown hangs can be ended by a signal.
+  // The clean-up is done. From here on a signal may end the process, because a plugin's teardown
+  // may hang.
   stop_watching_exit_signals();
   g_object_unref(application);
   if (is_worker_abandoned()) _exit(exit_status);

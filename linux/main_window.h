@@ -7,7 +7,7 @@
 // thread.
 
 // Sets the window's and the default icon from "logo.png" beside the executable, or a themed icon
-// when there is none. An image that can't be read is reported on the console.
+// when that file is missing or can't be read; the latter is reported on the console.
 void set_window_icon(GtkWindow* window);
 
 // Gives the window its title, in a header bar where the desktop has them.

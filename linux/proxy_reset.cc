@@ -1,5 +1,5 @@
-// A program that runs at login: takes back a proxy that the client has set and that a power cut or a
-// killed session has left without a core.
+// A program that runs at login: takes back a proxy that the client has set and that a power cut or
+// a killed session has left without a core.
 #include <glib.h>
 
 #include <optional>

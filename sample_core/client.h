@@ -21,7 +21,8 @@ struct Client {
 // Writes all of `bytes`; false when the other side is gone or takes nothing for too long.
 bool send_bytes(GSocketConnection* connection, const std::string& bytes);
 
-// The next `count` bytes that the client sends; nothing when it leaves before, or is silent too long.
+// The next `count` bytes that the client sends; nothing when it leaves before, or is silent too
+// long.
 std::optional<std::string> read_bytes(const Client& client, gsize count);
 
 // The port in two bytes, the higher one first, as SOCKS sends it.

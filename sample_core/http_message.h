@@ -16,8 +16,8 @@ struct HttpRequest {
 };
 
 // Reads a request head and leaves what follows it in the client's input. A head that is malformed
-// or longer than `k_max_head_size` is answered with an error here and gives nothing, as does a client
-// that leaves. Blocks; to be called from the client's worker thread.
+// or longer than `k_max_head_size` is answered with an error here and gives nothing, as does a
+// client that leaves. Blocks; to be called from the client's worker thread.
 std::optional<HttpRequest> receive_http_request(const Client& client);
 
 // Sends a whole response and ends the connection. `status` is a code with its reason ("404 Not

@@ -55,8 +55,9 @@ static std::optional<Destination> parse_absolute_form(const std::string& target)
   return Destination{*server, authority, path.substr(0, 1) == "/" ? path : "/" + path};
 }
 
-// Asks the server to close, because the client's next request may be meant for another server. A web
-// socket has to stay open. The version is the client's own, because the answer is passed on unchanged.
+// Asks the server to close, because the client's next request may be meant for another server. A
+// web socket has to stay open. The version is the client's own, because the answer is passed on
+// unchanged.
 static std::string origin_request_head(const HttpRequest& request, const Destination& destination) {
   std::string head = request.method + " " + destination.path + " " + request.version +
                      "\r\nHost: " + destination.authority + "\r\n";

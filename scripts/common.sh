@@ -54,7 +54,7 @@ show_progress() {
   if [[ -t 2 && -n $last ]]; then printf '\r\e[K' >&2; fi
 }
 
-# Descriptor 3 is made beyond sudo, which passes on the first three only.
+# Descriptor 3 is opened after sudo, which passes on only 0 to 2.
 apt_get() {
   # shellcheck disable=SC2016  # expanded by the shell that is started
   as_root env DEBIAN_FRONTEND=noninteractive \

@@ -26,10 +26,10 @@ headless_packages=(
 test_packages=(
   # The sandbox, and the client and the server of the proxy tests.
   bubblewrap curl python3
-  # The desktops' own tools, which the tests write settings with; KDE's is added below.
+  # The desktops' own tools, which write the settings; KDE's is added below.
   libxfconf-0-3 xfconf
-  # The window's reader, its keys and its close button.
-  at-spi2-core gir1.2-atspi-2.0 python3-xlib xdotool
+  # To read the window, press its keys and close it.
+  at-spi2-core python3-xlib xdotool
   # Readers of the proxy settings that come from elsewhere.
   gir1.2-glib-2.0 glib-networking libproxy-tools python3-gi systemd
 )
@@ -47,7 +47,7 @@ declare -A purpose_of_packages=(
   [bench]="benchmarks" [packaging]="the Debian package" [fuzz]="the fuzzers" [fresh]="a fresh system"
 )
 
-# One field of the description that every distribution has of itself; nothing when there is none.
+# One field of /etc/os-release; nothing when there is none.
 os_release() {
   # shellcheck source=/dev/null
   (. /etc/os-release 2>/dev/null && printf '%s' "${!1-}") || true

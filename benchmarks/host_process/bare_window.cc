@@ -1,4 +1,4 @@
-// The floor of what a window with this view takes: the host without anything that makes it one.
+// The least that a window with this view takes: GTK and the view, nothing else of the host.
 
 #include <flutter_linux/flutter_linux.h>
 

@@ -1,6 +1,6 @@
-// Starts a program on the display and, once its first window is mapped, ends it. Prints how many
-// milliseconds went by, and how many of a processor's it used. Nothing else may open a window
-// meanwhile.
+// Starts a program on the display and ends it once its first window is mapped. Prints the
+// milliseconds until then and the processor time used, also in milliseconds. No other program may
+// open a window meanwhile.
 
 #include <X11/Xlib.h>
 #include <poll.h>

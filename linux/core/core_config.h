@@ -3,8 +3,8 @@
 
 #include <string>
 
-// Ports out of the core's JSON configuration by plain text search: a configuration that is not
-// quite JSON is the core's to refuse, not ours. Pure; any thread.
+// Ports out of the core's JSON configuration by plain text search: the core checks whether it is
+// valid JSON. Pure; any thread.
 
 // The number behind the first colon of the first "external_controller" value; 0 when there is none
 // or it doesn't fit 32 bits. May be negative, as written.

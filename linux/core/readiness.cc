@@ -20,8 +20,8 @@ static constexpr auto k_pause_without_port = 1s;
 static constexpr timeval k_attempt_timeout = {0, 100000};
 static constexpr int k_max_port = 65535;
 
-// If the port lies in the range of outgoing ports, connect() may choose it as the source port too and
-// connect the socket to itself.
+// If the port lies in the range of outgoing ports, connect() may choose it as the source port too
+// and connect the socket to itself.
 static bool is_connected_to_itself(int probe) {
   sockaddr_in own = {}, peer = {};
   socklen_t own_size = sizeof own, peer_size = sizeof peer;

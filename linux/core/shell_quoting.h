@@ -5,7 +5,8 @@
 
 // `path` with a backslash before blanks, quotes and the usual shell operators, so that the shell
 // takes it as one word. Wildcards, "~", "#", "!", braces, tabs and line feeds are not covered. All
-// other bytes pass unchanged. Pure; any thread.
+// other bytes pass unchanged. Not g_shell_quote(): people read the command line on the console, and
+// a usual path stands there as it is. Pure; any thread.
 std::string escape_path(const std::string& path);
 
 #endif

@@ -3,8 +3,8 @@
 
 #include <string>
 
-// Each records why a start failed. Those with a log_path add the log's last 40 lines, and print them
-// behind a line of their own. Paths are shown as given. Any thread.
+// Each records why a start failed. Those with a log_path also record the log's last 40 lines, and
+// print a line that names the failure, then those lines. Paths are shown as given. Any thread.
 
 void record_config_missing(const std::string& config_path);
 void record_core_missing();

@@ -100,7 +100,7 @@ static void launch_core(const Start& start) {
   run_shell_command(command);
 }
 
-// False also when leaving begins on the way; then no failure is recorded.
+// False also when leaving begins meanwhile; then no failure is recorded.
 static bool wait_until_ready(const Start& start) {
   const std::string log_path = runtime_log_in(start.runtime_dir);
   if (!wait_for_core_process()) {
@@ -128,12 +128,14 @@ static void end_launched_core() {
   do {
     terminate_core();
     if (!is_core_running()) return;
-    std::this_thread::sleep_for(k_look_interval);
+    std::this_thread::sleep_for(k_check_interval);
   } while (std::chrono::steady_clock::now() - began < k_kill_limit);
 }
 
-static bool start_core(Start start) {
-  if (is_leaving() || !is_possible(start)) return false;
+static bool start_core(FlValue* args) {
+  if (is_leaving()) return false;
+  Start start = prepare_start(args);
+  if (!is_possible(start)) return false;
   end_stale_core();
   read_ports(start);
   if (is_leaving()) return false;
@@ -158,7 +160,7 @@ void start_vpn_thread(FlValue* args) {
   run_task([args] {
     g_autoptr(FlValue) owned_args = args;
     bool started = false;
-    if (!run_guarded([&] { started = start_core(prepare_start(owned_args)); })) {
+    if (!run_guarded([&] { started = start_core(owned_args); })) {
       record_thread_failed();
     }
     return started;

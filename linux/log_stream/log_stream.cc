@@ -43,8 +43,8 @@ static void stop_timer() {
   g_log_timer_id = 0;
 }
 
-// Up to one tick's worth of bytes from g_log_file_pos on; "" when there are none. The file is opened
-// for each read: a descriptor kept open would still read the old file after a replacement.
+// Up to one tick's worth of bytes from g_log_file_pos on; "" when there are none. The file is
+// opened for each read: a descriptor kept open would still read the old file after a replacement.
 static std::string read_next_bytes(const std::string& path, int64_t file_size) {
   const UniqueFd file(open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK));
   if (!file) return "";
@@ -81,7 +81,7 @@ static gboolean log_stream_poll_cb(gpointer) {
   return G_SOURCE_CONTINUE;
 }
 
-FlMethodErrorResponse* log_stream_listen_cb(FlEventChannel*, FlValue*, gpointer) {
+static FlMethodErrorResponse* log_stream_listen_cb(FlEventChannel*, FlValue*, gpointer) {
   run_guarded([] {
     g_log_listening = true;
     rewind_log();
@@ -93,7 +93,7 @@ FlMethodErrorResponse* log_stream_listen_cb(FlEventChannel*, FlValue*, gpointer)
   return nullptr;
 }
 
-FlMethodErrorResponse* log_stream_cancel_cb(FlEventChannel*, FlValue*, gpointer) {
+static FlMethodErrorResponse* log_stream_cancel_cb(FlEventChannel*, FlValue*, gpointer) {
   run_guarded([] {
     g_log_listening = false;
     stop_timer();

@@ -19,7 +19,7 @@ std::string take_complete_lines(std::string& unfinished, std::string_view bytes)
     } else {
       unfinished.append(bytes.substr(0, end));
       append_line(batch, unfinished);
-      // Not clear(): one endless line would keep its memory for as long as the host runs.
+      // Not clear(), which would keep the memory of a very long line.
       unfinished = std::string();
     }
     bytes.remove_prefix(end + 1);

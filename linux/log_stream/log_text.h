@@ -11,9 +11,9 @@
 // start of a line from one piece to the next. Pure but for that.
 std::string take_complete_lines(std::string& unfinished, std::string_view bytes);
 
-// `text` with U+FFFD for each byte that is not part of a sequence of the shape that UTF-8 gives it,
-// and for each NUL, at which the event would end. Only bit patterns count: overlong forms and
-// surrogates pass. Pure.
+// `text` with U+FFFD in the place of each NUL, at which the event would end, and of each byte
+// outside of a sequence with UTF-8's bit pattern. Overlong forms and surrogates have that pattern
+// and stay. Pure.
 std::string repair_utf8(std::string text);
 
 #endif

@@ -22,12 +22,12 @@ set(CPACK_PACKAGE_DESCRIPTION_SUMMARY "VPN client that runs a proxy core and set
 set(CPACK_PACKAGE_DESCRIPTION
 "Corvana starts and stops a proxy core and points the system proxy of GNOME,
 KDE, Xfce and their relatives at it. The proxy is taken back on a disconnect,
-when the program ends, and at the next start after a crash.
+when the program ends, and, after a crash, at the next login or start.
 .
 The core itself is not part of this package: put one into place with
 \"${CORVANA_INSTALLED_BUNDLE}/install.sh --core FILE\".")
 set(CPACK_STRIP_FILES ON)
-# What the system looks for goes to /usr.
+# The bundle has a folder of its own. Everything else goes to /usr, and the autostart entry to /etc.
 set(CPACK_PACKAGING_INSTALL_PREFIX /)
 set(CPACK_INSTALL_CMAKE_PROJECTS
   ${CMAKE_BINARY_DIR} ${PROJECT_NAME} bundle ${CORVANA_INSTALLED_BUNDLE}

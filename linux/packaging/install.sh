@@ -150,7 +150,7 @@ require_writable() {
     "no permission to write to $folder; use sudo, or choose another place with --prefix"
 }
 
-# What earlier runs have installed, one path below the prefix a line; a folder that they made ends in a slash.
+# What earlier runs have installed, one path a line, relative to the prefix; a folder that they made ends in a slash.
 recorded() { cat -- "$prefix/$record_name" 2>/dev/null || true; }
 
 files_only() { sed '/\/$/d'; }
@@ -186,8 +186,8 @@ refuse_foreign_files() {
   done < <(lines_beyond "$(recorded)" <<<"$1")
 }
 
-# Each folder above the files given that isn't there yet, parents first; "./" is the prefix itself. What is above that
-# stays when the program goes.
+# Each folder above the files given that isn't there yet, parents first; "./" is the prefix itself. Folders above the
+# prefix aren't listed, so an uninstall leaves them.
 missing_folders() {
   local path
   if [[ ! -e $prefix ]]; then echo ./; fi
@@ -243,7 +243,7 @@ running_processes() {
   done < <(find /proc -mindepth 2 -maxdepth 2 -path '/proc/[0-9]*/exe' -printf '%h\0%l\0' 2>/dev/null || true)
 }
 
-# Of a package, of another installation, or of this one.
+# True when the entry starts the login program of this prefix, and not that of a package or of another installation.
 is_own_login_entry() { grep -qsxF "Exec=\"$prefix/corvana-proxy-reset\"" "$login_entry"; }
 
 # One such entry on a system is enough. The characters are those that an entry's Exec line reserves even in quotes.
@@ -257,7 +257,7 @@ install_login_program() {
   place "$bundle/linux/packaging/login/40-corvana" "$generator"
 }
 
-# The record tells a core that was added to a package's files from an installation.
+# Without corvana-proxy-reset in the record, only a core was added to a package's files, and the entry is the package's.
 remove_login_program() {
   if [[ $EUID == 0 ]] && is_own_login_entry && grep -qx corvana-proxy-reset <<<"$1"; then
     rm -f -- "$login_entry" "$generator"

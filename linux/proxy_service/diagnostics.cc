@@ -10,7 +10,7 @@
 #include "support/shell_command.h"
 #include "system_proxy/desktop_environment.h"
 
-static constexpr size_t k_version_buffer_size = 256;
+static constexpr size_t k_max_version_size = 255;
 
 static std::string session_type() {
   const char* const type = std::getenv("XDG_SESSION_TYPE");
@@ -19,7 +19,7 @@ static std::string session_type() {
 
 static std::string core_version(const std::string& core_path) {
   const std::string command = "\"" + core_path + "\" version 2>/dev/null | head -1";
-  const std::string version = first_output_line(command, k_version_buffer_size);
+  const std::string version = first_output_line(command, k_max_version_size);
   return version.empty() ? "unknown" : version;
 }
 

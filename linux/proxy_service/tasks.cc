@@ -78,7 +78,7 @@ bool wait_for_workers() {
   const auto began = std::chrono::steady_clock::now();
   std::unique_lock<std::mutex> lock(g_workers_mutex);
   const auto all_ended = [] { return g_workers_ended == g_workers_started; };
-  while (!g_worker_ended.wait_for(lock, k_look_interval, all_ended)) {
+  while (!g_worker_ended.wait_for(lock, k_check_interval, all_ended)) {
     if (is_wait_over(began, k_worker_silence_limit) &&
         time_since_shell_activity() >= k_worker_silence_limit) {
       return false;

@@ -3,8 +3,8 @@
 
 #include <functional>
 
-// A start or a stop is a task with a worker thread of its own. Tasks run one at a time, in the order
-// in which their workers were started.
+// A start or a stop is a task with a worker thread of its own. Tasks run one at a time, in the
+// order in which their workers were started.
 
 // What the user interface polls. With several tasks waiting, the first one to end sets `complete`.
 struct TaskState {
@@ -15,12 +15,13 @@ struct TaskState {
 // Both flags of one moment. Any thread.
 TaskState read_task_state();
 
-// Announces a task and runs `body` on a detached thread, once every worker started before has ended.
-// False when no thread can be made: then the task is published as failed. Main thread.
+// Announces a task and runs `body`, which has to call run_task(), on a detached thread, once every
+// worker started before has ended. False when no thread can be made: then the task is published as
+// failed. Main thread.
 bool start_worker(std::function<void()> body);
 
-// Runs `task` under the lifecycle lock and publishes what it returns, or false when it throws. The
-// whole run of a worker; blocks for as long as the task does.
+// Runs `task` under the lifecycle lock and publishes what it returns, or false when it throws.
+// Blocks for as long as the task does. Called once by the body of a worker.
 void run_task(const std::function<bool()>& task);
 
 // Completes the task state: the result first, so that whoever sees the completion sees its result.

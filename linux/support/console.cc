@@ -19,12 +19,12 @@ void keep_standard_streams_open() {
   if (descriptor >= 0) close(descriptor);
 }
 
-// Without a limit, but no longer than k_console_limit while the host is leaving. Looks for exit
-// signals, because the main loop can't while the main thread waits here.
+// False when the host is leaving and k_console_limit has passed. Looks for exit signals, because
+// the main loop can't while the main thread waits here.
 static bool wait_until_writable(int descriptor) {
   const auto began = std::chrono::steady_clock::now();
   pollfd waited = {descriptor, POLLOUT, 0};
-  while (poll(&waited, 1, static_cast<int>(k_look_interval.count())) <= 0) {
+  while (poll(&waited, 1, static_cast<int>(k_check_interval.count())) <= 0) {
     look_for_exit_signals();
     if (is_wait_over(began, k_console_limit)) return false;
   }

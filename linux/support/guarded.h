@@ -6,8 +6,8 @@
 // Prints an error line with `reason`. Doesn't throw. Any thread.
 void report_exception(const char* reason) noexcept;
 
-// Runs `step` and stops its exceptions: one that left a worker or a callback would end the process.
-// False, and an error line on the console, when there was one. Any thread.
+// Runs `step` and catches what derives from std::exception, which would end the process if it left
+// a worker or a callback. False, and an error line on the console, when there was one. Any thread.
 template <typename Step>
 bool run_guarded(const Step& step) noexcept {
   try {

@@ -36,8 +36,8 @@ bool is_wait_over(steady_clock::time_point began, milliseconds limit) {
   return g_leaving_since && steady_clock::now() - std::max(began, *g_leaving_since) >= limit;
 }
 
-// Not the main loop's context, which isn't run while the main thread waits for a command. Set on the
-// main thread before there is a worker.
+// Not the main loop's context, which isn't run while the main thread waits for a command. Set on
+// the main thread before there is a worker.
 static GMainContext* g_signal_context = nullptr;
 
 void watch_exit_signals() {

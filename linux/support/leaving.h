@@ -9,8 +9,9 @@
 
 inline constexpr int k_exit_signals[] = {SIGTERM, SIGINT, SIGHUP};
 
-// How often a long wait looks for exit signals. A person doesn't notice a tenth of a second.
-inline constexpr std::chrono::milliseconds k_look_interval{100};
+// The pause between two checks of a long wait, some of which also look for exit signals. A person
+// doesn't notice a tenth of a second.
+inline constexpr std::chrono::milliseconds k_check_interval{100};
 
 // A desktop tool that works answers within a fraction of this, also on a slow machine.
 inline constexpr std::chrono::milliseconds k_command_limit{5000};
@@ -34,7 +35,8 @@ bool is_leaving();
 // Sleeps for `duration` of steady time. False when leaving began before it was over.
 bool sleep_unless_leaving(std::chrono::milliseconds duration);
 
-// True when the host is leaving and a wait that began at `began` has lasted for `limit` since then.
+// True when the host is leaving and `limit` has passed since `began` and since leaving began.
+// Before leaving there is no limit.
 bool is_wait_over(std::chrono::steady_clock::time_point began, std::chrono::milliseconds limit);
 
 // From here on none of k_exit_signals ends the process. To be called once, on the main thread,
@@ -44,8 +46,8 @@ void watch_exit_signals();
 // From here on each of k_exit_signals ends the process again. Main thread.
 void stop_watching_exit_signals();
 
-// Begins leaving when an exit signal has arrived since watch_exit_signals(). The main loop looks for
-// them itself; this is for waits that may hold the main loop up.
+// Begins leaving when an exit signal has arrived since watch_exit_signals(). The main loop looks
+// for them itself; this is for waits that may hold the main loop up.
 void look_for_exit_signals();
 
 #endif

@@ -23,8 +23,8 @@ using std::chrono::steady_clock;
 void prepare_signals() {
   // A console that has gone away must not end the process before it has taken the proxy back.
   std::signal(SIGPIPE, SIG_IGN);
-  // Commands inherit this. They run in a background process group, which the terminal would stop when
-  // a command reads from it or writes to it.
+  // Commands inherit this. They run in a background process group, which the terminal would stop
+  // when a command reads from it or writes to it.
   std::signal(SIGTTOU, SIG_IGN);
   std::signal(SIGTTIN, SIG_IGN);
   // If the launcher has ignored SIGCHLD, waitpid() gives no exit status.
@@ -47,7 +47,7 @@ static bool has_hung(steady_clock::time_point began) {
   return is_wait_over(began, g_command_has_hung ? k_command_limit_after_hang : k_command_limit);
 }
 
-// A tool that warns on a console which has gone would die of it before it has done its work.
+// SIGPIPE would end a tool that prints a warning to such a console, before it has done its work.
 static bool is_console_gone(int descriptor) {
   pollfd console = {descriptor, POLLOUT, 0};
   return poll(&console, 1, 0) > 0 && (console.revents & (POLLERR | POLLHUP)) != 0;
@@ -73,8 +73,8 @@ static void set_signals(posix_spawnattr_t* attributes) {
   posix_spawnattr_setsigmask(attributes, &blocked);
 }
 
-// Standard output goes to `output`, or where the host's goes when that is -1. -1 when no process can
-// be made.
+// Standard output goes to `output`, or where the host's goes when that is -1. -1 when no process
+// can be made.
 static pid_t start_shell(const std::string& command, int output) {
   posix_spawn_file_actions_t actions;
   posix_spawnattr_t attributes;
@@ -95,8 +95,8 @@ static pid_t start_shell(const std::string& command, int output) {
   return error == 0 ? shell : -1;
 }
 
-// False once the shell has ended and is reaped; `status` is then its wait status. A shell that a
-// Ctrl-Z has stopped is resumed.
+// False once the shell has ended and is reaped; `status` is then its wait status. A shell that was
+// stopped, as by SIGSTOP, is resumed.
 static bool reap_or_resume_shell(pid_t shell, int& status) {
   const pid_t changed = waitpid(shell, &status, WNOHANG | WUNTRACED);
   if (changed == 0) return true;
@@ -106,13 +106,13 @@ static bool reap_or_resume_shell(pid_t shell, int& status) {
 }
 
 // The wait status, or nothing when `is_over` before the shell has ended. Without pidfd_open() the
-// descriptor is -1, and poll() only sleeps for k_look_interval.
+// descriptor is -1, and poll() only sleeps for k_check_interval.
 static std::optional<int> wait_for_shell(pid_t shell, const std::function<bool()>& is_over) {
   const UniqueFd shell_fd(static_cast<int>(syscall(SYS_pidfd_open, shell, 0)));
   pollfd ended = {shell_fd.get(), POLLIN, 0};
   int status = -1;
   while (reap_or_resume_shell(shell, status)) {
-    if (poll(&ended, 1, static_cast<int>(k_look_interval.count())) <= 0 && is_over()) return {};
+    if (poll(&ended, 1, static_cast<int>(k_check_interval.count())) <= 0 && is_over()) return {};
   }
   note_activity();
   return status;
@@ -135,14 +135,14 @@ static bool was_interrupted(int status) {
   return WIFSIGNALED(status) && std::find(k_exit_signals, end, WTERMSIG(status)) != end;
 }
 
-static int run_until_not_interrupted(const std::function<int()>& run) {
+static int repeat_while_interrupted(const std::function<int()>& run) {
   int status = run();
   while (was_interrupted(status)) status = run();
   return status;
 }
 
 int run_shell_command(const std::string& command) {
-  return run_until_not_interrupted([&command] {
+  return repeat_while_interrupted([&command] {
     const pid_t shell = start_shell(command, -1);
     return shell < 0 ? -1 : finish_shell(shell, steady_clock::now());
   });
@@ -152,7 +152,7 @@ bool shell_command_succeeds(const std::string& command) { return run_shell_comma
 
 static bool wait_until_readable(int descriptor, steady_clock::time_point began) {
   pollfd waited = {descriptor, POLLIN, 0};
-  while (poll(&waited, 1, static_cast<int>(k_look_interval.count())) <= 0) {
+  while (poll(&waited, 1, static_cast<int>(k_check_interval.count())) <= 0) {
     if (has_hung(began)) return false;
   }
   return true;
@@ -163,31 +163,32 @@ static int read_output(const std::string& command, size_t max_size, std::string&
   int ends[2];
   // Close-on-exec: a core that another thread launches meanwhile must not inherit the pipe.
   if (pipe2(ends, O_CLOEXEC) != 0) return -1;
-  UniqueFd output(ends[0]);
-  UniqueFd input(ends[1]);
-  const pid_t shell = start_shell(command, input.get());
-  input.reset();
+  UniqueFd read_end(ends[0]);
+  UniqueFd write_end(ends[1]);
+  const pid_t shell = start_shell(command, write_end.get());
+  write_end.reset();
   if (shell < 0) return -1;
   const auto began = steady_clock::now();
   char chunk[4096];
   text.clear();
-  while (text.size() < max_size && wait_until_readable(output.get(), began)) {
-    const ssize_t count = read(output.get(), chunk, std::min(sizeof chunk, max_size - text.size()));
+  while (text.size() < max_size && wait_until_readable(read_end.get(), began)) {
+    const ssize_t count =
+        read(read_end.get(), chunk, std::min(sizeof chunk, max_size - text.size()));
     if (count <= 0) break;
     text.append(chunk, static_cast<size_t>(count));
   }
-  output.reset();
+  read_end.reset();
   return finish_shell(shell, began);
 }
 
 static std::string output_of(const std::string& command, size_t max_size) {
   std::string text;
-  run_until_not_interrupted([&] { return read_output(command, max_size, text); });
+  repeat_while_interrupted([&] { return read_output(command, max_size, text); });
   return text;
 }
 
-std::string first_output_line(const std::string& command, size_t buffer_size) {
-  std::string line = output_of(command, buffer_size - 1);
+std::string first_output_line(const std::string& command, size_t max_size) {
+  std::string line = output_of(command, max_size);
   line.resize(std::min({line.size(), line.find('\n'), line.find('\0')}));
   line.erase(line.find_last_not_of('\r') + 1);
   return line;

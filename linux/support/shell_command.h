@@ -6,11 +6,11 @@
 #include <string>
 
 // Each command is run by "/bin/sh -c" in a process group of its own, which a Ctrl-C in the terminal
-// doesn't reach, and blocks the calling thread until the shell has ended. While the host is leaving,
-// a command that takes longer than its limit is killed with all that it started. Everything here
-// may be called on any thread.
+// doesn't reach, and blocks the calling thread until the shell has ended. While the host is
+// leaving, a command that takes longer than its limit is killed with all that it started.
+// Everything here may be called on any thread.
 
-// Sets the signal actions that console lines and commands count on. To be called first of all, on the
+// Sets the signal actions that console lines and commands need. To be called first of all, on the
 // main thread.
 void prepare_signals();
 
@@ -22,8 +22,8 @@ int run_shell_command(const std::string& command);
 bool shell_command_succeeds(const std::string& command);
 
 // The first line that `command` prints, without the carriage returns and line feeds at its end, cut
-// before its first NUL and after `buffer_size` - 1 bytes. "" when there is none.
-std::string first_output_line(const std::string& command, size_t buffer_size);
+// before its first NUL and after `max_size` bytes. "" when there is none.
+std::string first_output_line(const std::string& command, size_t max_size);
 
 // All that `command` prints; "" when it can't be started.
 std::string command_output(const std::string& command);

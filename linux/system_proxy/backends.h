@@ -2,8 +2,8 @@
 #define CORVANA_SYSTEM_PROXY_BACKENDS_H_
 
 // Each points a desktop's settings at 127.0.0.1 with these ports, or, without `enable`, takes that
-// back and ignores the ports. False when the desktop's tool is missing and nothing was run; true otherwise,
-// whatever the exit statuses of its commands. Blocks for the tools. Any thread.
+// back and ignores the ports. False when the desktop's tool is missing and nothing was run; true
+// otherwise, whatever the exit statuses of its commands. Blocks for the tools. Any thread.
 
 bool apply_proxy_gnome(int http_port, int socks_port, bool enable);
 

@@ -7,8 +7,8 @@
 // `text` with the ports in the places of "{http}" and "{socks}". Pure.
 std::string with_ports(std::string text, int http_port, int socks_port);
 
-// A desktop's settings as shell commands with "{http}", "{socks}", and "{tool}" for the desktop's own
-// tool.
+// A desktop's settings as shell commands with "{http}", "{socks}", and "{tool}" for the desktop's
+// own tool.
 struct SettingsCommands {
   std::vector<std::string> enable;
   std::vector<std::string> disable;

@@ -37,7 +37,7 @@ static bool clear_desktop_backends(const std::string& desktop) {
 void apply_system_proxy(int http_port, int socks_port) {
   const std::string desktop = detect_desktop_environment();
   const bool applied = apply_desktop_backend(desktop, http_port, socks_port);
-  // Leaving may have cut that short; the start that is cut short takes it back.
+  // Some settings may be missing now; the start that called this clears the proxy.
   if (is_leaving()) return;
   write_systemd_environment_dropin(http_port, socks_port, true);
   write_proxy_env_file(http_port, socks_port, true);

@@ -2,9 +2,12 @@
 #define CORVANA_SYSTEM_PROXY_SYSTEM_PROXY_H_
 
 // Both run the desktop's own tools, write the environment files and end with one line on the
-// console; they report nothing to the caller. They block for the tools and take no lock. Any thread.
+// console; they report nothing to the caller. They block for the tools and take no lock. Any
+// thread.
 
-// Points the desktop at 127.0.0.1 with these ports. Stops halfway when the host begins to leave.
+// Points the desktop at 127.0.0.1 with these ports. When the host begins to leave, stops between
+// two settings, writes no environment file and prints nothing; the caller then has to call
+// clear_system_proxy().
 void apply_system_proxy(int http_port, int socks_port);
 
 // Switches the proxy off everywhere that apply_system_proxy switches it on. Lists of hosts without
