@@ -29,7 +29,7 @@ TEST(ProcessProbe, MatchesWhatACommandLineHolds) {
         nullptr, arguments.data(), nullptr,
         static_cast<GSpawnFlags>(G_SPAWN_FILE_AND_ARGV_ZERO | G_SPAWN_DO_NOT_REAP_CHILD), nullptr,
         nullptr, &pid, &input, nullptr, nullptr, nullptr);
-    // The kernel lets go of us a moment before the new program's command line is in place.
+    // The spawn returns a moment before the new command line is in place.
     const std::string cmdline = "/proc/" + std::to_string(pid) + "/cmdline";
     while (read_file(cmdline).empty()) std::this_thread::yield();
     EXPECT_EQ(is_process_running("needle"), is_found) << command_line.front().substr(0, 20);

@@ -17,7 +17,8 @@ static const char k_core[] =
     "#!/bin/bash\n[[ $1 == version ]] && echo zant version 1.2.3 && exit\n"
     "echo core started; echo listening on 7890; exec -a \"zant $1 $2\" sleep 20\n";
 
-// The page with the paths of this machine in the place of its own. The home is of the same length.
+// The page with this machine's paths. The home's path is as long as the page's, so the sizes stay
+// right.
 static std::string page_for(const TemporaryHome& home) {
   const std::string dir = get_executable_dir();
   g_autofree gchar* app_dir = g_strdup_printf("07 %02zx \"%s\"", dir.size(), dir.c_str());

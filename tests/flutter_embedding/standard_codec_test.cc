@@ -16,7 +16,7 @@ Bytes bytes_of(GBytes* message) {
 
 GBytes* message_of(const Bytes& bytes) { return g_bytes_new(bytes.data(), bytes.size()); }
 
-// What the bytes say, and how that is written again.
+// The decoded value as text, and the bytes that it encodes to.
 std::pair<std::string, Bytes> read_and_write(const Bytes& bytes) {
   g_autoptr(GBytes) message = message_of(bytes);
   const ValueRef value = decode_value(message, nullptr);

@@ -1,4 +1,5 @@
-"""Whatever the home is like, a host connects and leaves by a signal, and the console tells of all three steps."""
+"""Whatever the home is like, the host connects and leaves on a signal, and prints a line for the clearing at start-up,
+for the connecting and for the leaving."""
 import os
 import signal
 
@@ -33,11 +34,12 @@ HOMES = {
 
 
 class HostileHomes(host.HostTest):
-    def test_end_nothing_and_hang_nothing(self):
+    def test_no_home_ends_or_hangs_the_host(self):
         os.environ["XDG_CURRENT_DESKTOP"] = "GNOME"
         self.record("gsettings")
         for name, preparation in HOMES.items():
             with self.subTest(name):
+                (self.home / "commands").unlink(missing_ok=True)
                 process = self.connect(launcher=(
                     "sh", "-c", f"mkdir '{name}'; cd '{name}'; HOME=$PWD; {DANGLE}; {preparation}; exec \"$0\" \"$@\""))
                 outcome = CONNECTED if name != "log dangles" else "runtime.log: Directory nonexistent\n[Corvana] zant "

@@ -8,7 +8,7 @@ PROGRAM = host.BUNDLE / "corvana-proxy-reset"
 DROPIN = ".config/environment.d/99-corvana.conf"
 CLEARED = "[Corvana] 已清除系统代理 (DE=gnome)\n"
 
-# A shell script that comes before the login, and the end of the console.
+# A shell script that runs before the login program, and how the console ends.
 LOGINS = {
     "after a power cut": (":", CLEARED),
     "with a proxy of the user's own": (f"rm {DROPIN}", ""),
@@ -32,21 +32,22 @@ ANSWERS = {
 
 
 class ProxyReset(host.HostTest):
-    def test_it_clears_only_a_proxy_of_the_clients_without_a_core(self):
+    def test_it_clears_only_the_proxy_of_a_client_whose_core_is_gone(self):
         os.environ["XDG_CURRENT_DESKTOP"] = "GNOME"
         for name, (preparation, expected) in LOGINS.items():
             with self.subTest(name):
-                host.output_of("chmod -R u+w .config; rm -rf .config commands")
+                host.output_of("chmod -fR u+w .config; rm -rf .config commands")
                 self.record("gsettings")
                 pathlib.Path(DROPIN).parent.mkdir(parents=True)
                 pathlib.Path(DROPIN).touch()
                 login = self.run_child("bash", "-c", preparation + '; exec "$0"', PROGRAM)
-                self.assertEqual(0, login.wait_for_exit(), login.console())
+                status = login.wait_for_exit()
+                login.end()
+                self.assertEqual(0, status, login.console())
                 # Tools may complain before it.
                 self.assertEqual(expected, login.console()[max(login.console().find("[Corvana]"), 0):])
                 if not expected:
                     self.assertEqual([], self.recorded())
-                login.end()
 
     def test_it_answers_its_arguments(self):
         for arguments, answer in ANSWERS.items():

@@ -17,6 +17,7 @@ SHELL = f"http_proxy=http://old bash -c '. ~/.config/corvana/proxy.sh; env' {SOR
 KDE_READER = "KDE_FULL_SESSION=true proxy http://example.com https://example.com | uniq"
 KDE_ON = ("[Proxy Settings]\nNoProxyFor=localhost,127.0.0.1,::1\nProxyType=1\nhttpProxy=http://127.0.0.1:7890\n"
           "httpsProxy=http://127.0.0.1:7890\nsocksProxy=socks://127.0.0.1:7890\n")
+KDE_OFF = "[Proxy Settings]\nNoProxyFor=localhost,127.0.0.1,::1\nProxyType=0\n"
 XFCE_QUERY = "xfconf-query -c xfce4-session -p /general/ProxyHTTP 2>&1"
 # libproxy 0.4 names all proxies, 0.5 the first.
 GNOME_READERS = """export XDG_CURRENT_DESKTOP=GNOME DESKTOP_SESSION=gnome
@@ -37,16 +38,16 @@ class RealTools(host.HostTest):
         super().setUp()
         host.start_bus(self)
 
-    def each_way_back(self, session):
-        """Gives "set" after a connect and "back" after the proxy was taken back, in both ways."""
+    def check_each_way_back(self, session, check):
+        """Calls check(True) after a connect and check(False) after the proxy was taken back, for both ways back."""
         os.environ["XDG_CURRENT_DESKTOP"] = session
         for take_back in self.disconnect, self.die_and_log_in:
             with self.subTest(take_back.__name__):
                 process = self.connect()
                 self.assertTrue(process.wait_for("[Corvana] 已设置系统代理"), process.console())
-                yield "set"
+                check(True)
                 take_back(process)
-                yield "back"
+                check(False)
                 process.end()
 
     def disconnect(self, _):
@@ -67,29 +68,31 @@ class RealTools(host.HostTest):
         pathlib.Path("page").write_text(text)
         self.run_child("python3", "-m", "http.server", "--bind", "127.0.0.1", "8000")
         self.assertTrue(eventually(lambda: output_of(page) == text))
-        for state in self.each_way_back("GNOME"):
-            is_set = state == "set"
+
+        def check(is_set):
             self.assertEqual(PROXIES if is_set else DIRECT, output_of(GNOME_READERS))
             self.assertEqual(UPPER + LOWER if is_set else "", output_of(SHELL))
             self.assertEqual(LOWER if is_set else "", in_a_new_session(f"env {SORTED}"))
             for kind in "-x http://", "-p -x http://", "--socks5 ", "--socks5-hostname ":
                 self.assertEqual(is_set, output_of(f"{page} {kind}127.0.0.1:7890") == text, kind)
+        self.check_each_way_back("GNOME", check)
 
     def test_kde_file_and_signal(self):
         listener = self.run_child("dbus-monitor", "--session", "interface=org.kde.KIO.Scheduler")
         self.assertTrue(listener.wait_for("NameAcquired"))
-        for state in self.each_way_back("KDE"):
-            file = read(".config/kioslaverc")
-            if state == "set":
-                self.assertEqual((KDE_ON, "http://127.0.0.1:7890\n"), (file, output_of(KDE_READER)))
-            else:
-                self.assertEqual("[Proxy Settings]\nNoProxyFor=localhost,127.0.0.1,::1\nProxyType=0\n", file)
-                self.assertEqual(DIRECT, output_of(KDE_READER))
+
+        def check(is_set):
+            self.assertEqual(KDE_ON if is_set else KDE_OFF, read(".config/kioslaverc"))
+            self.assertEqual("http://127.0.0.1:7890\n" if is_set else DIRECT, output_of(KDE_READER))
+        self.check_each_way_back("KDE", check)
         # Each time at start-up, for the connect and when it is taken back.
         self.assertTrue(eventually(lambda: listener.console().count("reparseSlaveConfiguration") == 6))
 
     def test_xfce_property_beside_the_gnome_settings(self):
-        for state in self.each_way_back("XFCE"):
+        def check(is_set):
             # Only the GNOME settings are taken back.
             self.assertEqual("Value is an array with 2 items:\n\n127.0.0.1\n7890\n", output_of(XFCE_QUERY))
-            self.assertEqual(PROXIES if state == "set" else DIRECT, output_of(GNOME_READERS))
+            self.assertEqual(PROXIES if is_set else DIRECT, output_of(GNOME_READERS))
+            if not is_set:
+                output_of(f"{XFCE_QUERY} --reset")
+        self.check_each_way_back("XFCE", check)

@@ -13,7 +13,7 @@
 
 namespace fs = std::filesystem;
 
-// No pause lasts, but each counts.
+// Pauses are counted instead of waited for.
 static time_t g_seconds_paused = 0;
 
 extern "C" int nanosleep(const timespec* duration, timespec*) {
@@ -70,13 +70,13 @@ TEST(DesktopEntry, InstallsAndRefreshesAsTheDesktopNeedsIt) {
     EXPECT_EQ(testing::internal::GetCapturedStderr(),
               "警告: 图标文件未找到，桌面图标可能无法正常显示\n");
     EXPECT_EQ(fs::status(entry).permissions(), fs::perms(0755));
-    EXPECT_EQ(read_file(entry), desktop_entry_text(get_executable_dir() + "/host_test"));
+    EXPECT_EQ(read_file(entry), desktop_entry_text(get_executable_dir() + "/desktop_entry_test"));
 
     std::vector<std::string> expected = {"gtk-update-icon-cache -f -t " + share + "/icons/hicolor",
                                          "update-desktop-database " + share + "/applications",
                                          "touch " + entry, "xdg-desktop-menu forceupdate"};
     if (extra_command) expected.insert(expected.begin(), extra_command);
-    // Some shells run the refreshes in the background, so their order is not ours to tell.
+    // In dash "&>" runs a command in the background, so the order varies.
     for (int round = 0; round < 500 && home.recorded_commands().size() < expected.size(); ++round) {
       usleep(10000);
     }

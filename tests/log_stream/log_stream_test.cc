@@ -22,7 +22,7 @@ class LogStream : public testing::Test {
               [this](FlValue* event) { events_.emplace_back(fl_value_get_string(event)); });
   }
 
-  // The events of a few ticks, which end before `limit` only when there are `count`.
+  // Waits for `count` events, for at most `limit`, and takes those that came.
   std::vector<std::string> next_events(size_t count, std::chrono::milliseconds limit = 3000ms) {
     run_main_loop_until([&] { return events_.size() >= count; }, limit);
     return std::exchange(events_, {});

@@ -1,5 +1,6 @@
 #include <gtest/gtest.h>
 
+#include "core/core_config.h"
 #include "flutter_embedding/preview/runner/default_config.h"
 #include "flutter_embedding/preview/runner/preview_options.h"
 
@@ -27,11 +28,9 @@ TEST(Options, AreReadAndAWrongOneGivesOneLineAndCostsOnlyItself) {
   }
 }
 
-// The host reads the ports by searching the text.
 TEST(DefaultConfig, HasItsKeysInTheOrderThatTheHostReads) {
   const std::string text = preview::default_config_text();
-  EXPECT_EQ(text.find("listen_port", text.find("\"mixed\"")), text.find("listen_port\": 7890"));
-  EXPECT_NE(text.find("\"external_controller\": \"127.0.0.1:9090\""), std::string::npos);
+  EXPECT_EQ(std::pair(mixed_port(text), clash_api_port(text)), std::pair(7890, 9090));
   EXPECT_EQ(preview::mixed_port_of(text), 7890);
   EXPECT_EQ(preview::mixed_port_of(R"({"inbounds":[7,{"type":"mixed","listen_port":"80"}]})"),
             std::nullopt);

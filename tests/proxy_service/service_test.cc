@@ -1,5 +1,5 @@
-// Starts and stops through the channel, in this process, with a real core and with the machine's
-// refusals.
+// Starts and stops through the channel, in this process, with a real core and with system calls
+// that fail.
 #include <dirent.h>
 #include <dlfcn.h>
 #include <gtest/gtest.h>
@@ -24,7 +24,8 @@
 namespace fs = std::filesystem;
 using namespace std::chrono_literals;
 
-// The system's functions, but for what a case has them refuse or pretend.
+// Replacements of system functions: they call the real ones unless a case makes them fail or hide
+// processes.
 static std::atomic<bool> g_no_processes{false}, g_no_threads{false}, g_hidden_processes{false};
 static std::atomic<int> g_probes_before_leaving{0};  // 0: it doesn't leave
 
@@ -107,7 +108,7 @@ class Service : public testing::Test {
   ~Service() override {
     begin_leaving();
     wait_for_workers();
-    output_of("pkill -9 -f 'zant +run +-c'");
+    terminate_core();
     fs::remove_all("/opt/corvana");
   }
 
@@ -182,7 +183,7 @@ TEST_P(Faults, EndInAnAnswerAndTheNextStartWorks) {
   if (*fault.program != '\0') {
     home_.add_stand_in(fault.program, std::string("#!/bin/sh\n") + fault.script);
   }
-  // By now the main loop and the sanitizers have the descriptors that they go on to need.
+  // After this start the main loop and the sanitizers have opened every descriptor that they need.
   EXPECT_EQ(start("missing.json"), "config_failed");
   write_file(fault.path, fault.config == nullptr ? good_config : fault.config);
   testing::internal::CaptureStderr();
@@ -208,7 +209,7 @@ TEST_P(Faults, EndInAnAnswerAndTheNextStartWorks) {
   EXPECT_EQ(client_.call("getLastError"), error_reply("", "", ""));
 }
 
-// Whether the probe still sees a core that ends at once is a matter of moments.
+// Whether the probe still sees a core that ends at once depends on timing.
 static const char k_not_up[] = "core_exec_failed or port_not_ready";
 
 static const std::string k_lines = "y\ny\ny\ny\ny\ny\ny\ny\ny\ny\ny\ny\ny\n",
@@ -308,7 +309,7 @@ TEST_F(Service, AStopWithoutCommandsOrThreadsFailsAndTheNextTakesTheProxyBack) {
   EXPECT_EQ(gnome_modes(), "manual;none;");
 }
 
-// At the first probe nothing is done yet, at the second one the core is on its way.
+// At the first probe nothing is done yet; at the second the core has been launched.
 class CutOffStart : public Service, public testing::WithParamInterface<int> {};
 
 TEST_P(CutOffStart, TakesNoProxyBackThatItHasNotSet) {
@@ -322,21 +323,20 @@ TEST_P(CutOffStart, TakesNoProxyBackThatItHasNotSet) {
 
 INSTANTIATE_TEST_SUITE_P(AtProbe, CutOffStart, testing::Values(1, 2));
 
-static long entries_of(const char* directory) {
-  return std::distance(fs::directory_iterator(directory), {});
+static std::pair<long, long> descriptors_and_threads() {
+  return {std::distance(fs::directory_iterator("/proc/self/fd"), {}),
+          std::distance(fs::directory_iterator("/proc/self/task"), {})};
 }
 
 TEST_F(Service, StartsAndStopsLeaveNothingBehind) {
   const int cycles = std::getenv("CORVANA_LONG_TESTS") == nullptr ? 14 : 200;
-  long descriptors = 0, threads = 0;
+  std::pair<long, long> after_ten_cycles;
   for (int cycle = 1; cycle <= cycles; ++cycle) {
     ASSERT_EQ(start(), "done") << cycle;
     ASSERT_EQ(finish("stopVPN"), "done") << cycle;
     if (cycle != 10 && cycle != cycles) continue;
     run_main_loop_until([] { return false; }, 500ms);  // the worker's very last steps
-    if (cycle == 10) descriptors = entries_of("/proc/self/fd");
-    if (cycle == 10) threads = entries_of("/proc/self/task");
+    if (cycle == 10) after_ten_cycles = descriptors_and_threads();
   }
-  EXPECT_EQ(entries_of("/proc/self/fd"), descriptors);
-  EXPECT_EQ(entries_of("/proc/self/task"), threads);
+  EXPECT_EQ(descriptors_and_threads(), after_ten_cycles);
 }

@@ -12,7 +12,7 @@
 
 using namespace std::chrono_literals;
 
-// Stand-ins for time: a silence of this length, for as long as a case wants.
+// Stand-ins for time: nothing has happened for this long.
 static std::atomic<std::chrono::milliseconds> g_silence{0ms};
 
 bool is_leaving() { return true; }

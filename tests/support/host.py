@@ -18,7 +18,7 @@ LONG = "CORVANA_LONG_TESTS" in os.environ
 
 
 def eventually(is_so, limit=30):
-    """Asks until the answer is true, for at most `limit` seconds. The last answer."""
+    """Asks until the answer is true, for at most `limit` seconds. Gives the last answer."""
     end = time.monotonic() + limit
     while not (answer := is_so()) and time.monotonic() < end:
         time.sleep(0.005)
@@ -37,7 +37,7 @@ def read(path):
 
 
 def living(criteria):
-    """The command lines of the processes that match. Zombies have nothing left to do and don't count."""
+    """The command lines of the processes that match, without zombies."""
     return output_of(f"pgrep -a -r R,S,D,T {criteria}")
 
 
@@ -72,12 +72,12 @@ class Child:
         return self.process.poll() is not None
 
     def wait_for_exit(self, limit=30):
-        """The exit status, or minus the signal that ended it; nothing when it still runs."""
+        """The exit status, or minus the signal that ended it; None when it still runs."""
         eventually(self.has_ended, limit)
         return self.process.returncode
 
     def still_running(self):
-        """Waits a while for all that it started to end. What still runs then."""
+        """Waits for all that it started to end. Gives the command lines of what still runs after 30 s."""
         eventually(lambda: not living(f"-s {self.pid}"))
         return living(f"-s {self.pid}")
 
@@ -92,8 +92,6 @@ class HostTest(unittest.TestCase):
 
     def setUp(self):
         self.home = pathlib.Path(tempfile.mkdtemp(prefix="home-", dir="/tmp"))
-        self.addCleanup(output_of, f"chmod -R u+rwX {self.home} 2>/dev/null; rm -rf {self.home}")
-        self.addCleanup(os.chdir, "/")
         os.chdir(self.home)
         for name in [name for name in os.environ if name.startswith("XDG_") and name != "XDG_RUNTIME_DIR"]:
             del os.environ[name]
@@ -104,7 +102,7 @@ class HostTest(unittest.TestCase):
         self.config = self.home / "config.json"
         self.config.write_text('{"inbounds": [{"type": "mixed", "listen_port": 7890}],'
                                ' "experimental": {"clash_api": {"external_controller": "127.0.0.1:9090"}}}')
-        # An entry that can't be written spares each launch the second that the host gives the desktop.
+        # A directory in the entry's place: the host can't write the entry, and so doesn't pause for a second after it.
         (self.home / ".local/share/applications/Corvana.desktop").mkdir(parents=True)
 
     def run_child(self, *command):

@@ -4,14 +4,11 @@
 #include <string>
 #include <vector>
 
-// A new directory that is the process's HOME and working directory for the length of a test, with
-// an empty session environment and a "bin" in front of PATH for stand-in programs.
+// A new directory that is the process's HOME and working directory, with an empty session
+// environment and a "bin" in front of PATH for stand-in programs. It goes with the sandbox.
 class TemporaryHome {
  public:
   TemporaryHome();
-  ~TemporaryHome();
-  TemporaryHome(const TemporaryHome&) = delete;
-  TemporaryHome& operator=(const TemporaryHome&) = delete;
 
   const std::string& path() const { return path_; }
   std::string bin() const { return path_ + "/bin"; }
@@ -32,9 +29,6 @@ class TemporaryHome {
 
 std::string read_file(const std::string& path);  // "" when there is none
 void write_file(const std::string& path, const std::string& text);
-// What the command prints on standard output, through the shell.
-std::string output_of(const std::string& command);
-
 std::vector<std::string> lines_of(const std::string& text);
 
 #endif
