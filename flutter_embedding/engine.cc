@@ -4,16 +4,13 @@
 
 struct _FlEngine {
   GObject parent_instance;
-  FlDartProject* project;
   FlBinaryMessenger* messenger;
 };
 
 G_DEFINE_FINAL_TYPE(FlEngine, fl_engine, G_TYPE_OBJECT)
 
 static void fl_engine_dispose(GObject* object) {
-  FlEngine* self = FL_ENGINE(object);
-  messenger_close(self->messenger);
-  g_clear_object(&self->project);
+  messenger_close(FL_ENGINE(object)->messenger);
   G_OBJECT_CLASS(fl_engine_parent_class)->dispose(object);
 }
 
@@ -29,12 +26,7 @@ static void fl_engine_class_init(FlEngineClass* klass) {
 
 static void fl_engine_init(FlEngine* self) { self->messenger = messenger_new(); }
 
-FlEngine* fl_engine_new(FlDartProject* project) {
-  g_return_val_if_fail(FL_IS_DART_PROJECT(project), nullptr);
-  auto* self = FL_ENGINE(g_object_new(fl_engine_get_type(), nullptr));
-  self->project = FL_DART_PROJECT(g_object_ref(project));
-  return self;
-}
+FlEngine* engine_new() { return FL_ENGINE(g_object_new(fl_engine_get_type(), nullptr)); }
 
 FlBinaryMessenger* fl_engine_get_binary_messenger(FlEngine* self) {
   g_return_val_if_fail(FL_IS_ENGINE(self), nullptr);

@@ -3,8 +3,7 @@
 
 #include <flutter_linux/flutter_linux.h>
 
-// An engine without a view: all that channels need. It keeps a reference on the project. When it
-// goes, its messenger is closed, whoever else still holds that. Main thread only.
-FlEngine* fl_engine_new(FlDartProject* project);
+// An engine without a view. Disposing it closes its messenger. Main thread only.
+FlEngine* engine_new();
 
 #endif

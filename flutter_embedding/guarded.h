@@ -3,7 +3,8 @@
 
 #include <functional>
 
-// Runs the task and reports what it throws, which must not pass through GLib. Any thread.
+// Runs the task. An exception is reported as a GLib critical, because it must not pass through
+// GLib. Any thread.
 void run_guarded(const std::function<void()>& task) noexcept;
 
 #endif

@@ -3,8 +3,8 @@
 
 #include <flutter_linux/flutter_linux.h>
 
-// A registrar that a plugin may keep as long as it likes: it doesn't keep the view alive, only the
-// messenger. Main thread only.
+// A registrar, which a plugin may keep. It holds a reference on the messenger but not on the view.
+// Main thread only.
 FlPluginRegistrar* plugin_registrar_new(FlView* view, FlBinaryMessenger* messenger);
 
 #endif

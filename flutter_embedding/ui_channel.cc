@@ -16,7 +16,7 @@ static UiReply error_reply(FlMethodErrorResponse* response) {
           message == nullptr ? "" : message};
 }
 
-// The value in it is the response's.
+// Its value is borrowed from the response.
 static UiReply reply_from(FlMethodResponse* response) {
   if (FL_IS_METHOD_SUCCESS_RESPONSE(response)) {
     FlValue* result = method_success_response_get_result(FL_METHOD_SUCCESS_RESPONSE(response));
@@ -62,7 +62,7 @@ void ui_listen(FlBinaryMessenger* messenger, const char* channel,
           warn_about_error(name, "bad event", event);
         }
       };
-  // The receiver goes with the messenger at the latest, so it may point at it.
+  // The messenger owns the receiver, so the pointer stays valid.
   const auto receive = [messenger, name = std::string(channel), pass_on](GBytes* message) {
     if (g_bytes_get_size(message) > 0) return decode_and_pass_on(message, pass_on);
     messenger_set_receiver(messenger, name.c_str(), nullptr);

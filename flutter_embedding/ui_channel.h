@@ -1,9 +1,8 @@
-// The user interface's end of the platform channels: what the application in the window would do
-// through its framework. Everything crosses as encoded bytes, in the standard codec.
+// The user interface's end of the platform channels, with the standard codec.
 //
-// Main thread only. Replies and events come from the main loop, never from inside a call here. Once
-// the engine is gone nothing more comes: calls do nothing, and their callbacks are destroyed
-// uncalled.
+// Main thread only. Callbacks run from the main loop, never inside a call here. Once the engine is
+// gone, calls do nothing; callbacks are destroyed uncalled, at the latest when the host releases
+// its FlMethodCall.
 
 #ifndef CORVANA_FLUTTER_EMBEDDING_UI_CHANNEL_H_
 #define CORVANA_FLUTTER_EMBEDDING_UI_CHANNEL_H_

@@ -6,7 +6,7 @@ struct _FlView {
   GtkBox parent_instance;
   FlDartProject* project;
   FlEngine* engine;
-  GtkWidget* content;  // the box's only child, which owns it
+  GtkWidget* content;  // owned by the box
 };
 
 struct _FlPluginRegistryInterface {
@@ -21,8 +21,7 @@ static void fl_plugin_registry_default_init(FlPluginRegistryInterface*) {}
 G_DEFINE_FINAL_TYPE_WITH_CODE(FlView, fl_view, GTK_TYPE_BOX,
                               G_IMPLEMENT_INTERFACE(fl_plugin_registry_get_type(), nullptr))
 
-// The view itself has nothing to type into. Focus that already lies within the content stays where
-// it is.
+// Passes the focus on to the content, unless the content has it already.
 static void fl_view_grab_focus(GtkWidget* widget) {
   FlView* self = FL_VIEW(widget);
   if (self->content != nullptr && gtk_container_get_focus_child(GTK_CONTAINER(self)) == nullptr) {
@@ -32,10 +31,10 @@ static void fl_view_grab_focus(GtkWidget* widget) {
 
 static void fl_view_dispose(GObject* object) {
   FlView* self = FL_VIEW(object);
-  // The content goes before the engine that it talks to.
+  // The content must be destroyed before the engine, which it uses.
   G_OBJECT_CLASS(fl_view_parent_class)->dispose(object);
   self->content = nullptr;
-  // Whoever else still holds the engine must find it closed.
+  // Also closes an engine on which somebody else still holds a reference.
   if (self->engine != nullptr) g_object_run_dispose(G_OBJECT(self->engine));
   g_clear_object(&self->engine);
   g_clear_object(&self->project);
@@ -52,7 +51,7 @@ FlView* fl_view_new(FlDartProject* project) {
   g_return_val_if_fail(FL_IS_DART_PROJECT(project), nullptr);
   auto* self = FL_VIEW(g_object_new(fl_view_get_type(), nullptr));
   self->project = FL_DART_PROJECT(g_object_ref(project));
-  self->engine = fl_engine_new(project);
+  self->engine = engine_new();
   self->content = preview_new(fl_engine_get_binary_messenger(self->engine),
                               fl_dart_project_get_dart_entrypoint_arguments(project));
   gtk_widget_show(self->content);

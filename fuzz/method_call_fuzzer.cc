@@ -41,7 +41,7 @@ static void refuse_critical(const gchar*, GLogLevelFlags level, const gchar*, gp
 
 static FlEngine* engine_with_handler() {
   g_log_set_default_handler(refuse_critical, nullptr);
-  FlEngine* const engine = fl_engine_new(fl_dart_project_new());
+  FlEngine* const engine = engine_new();
   FlMethodCodec* const codec = FL_METHOD_CODEC(fl_standard_method_codec_new());
   FlMethodChannel* const channel =
       fl_method_channel_new(fl_engine_get_binary_messenger(engine), "", codec);

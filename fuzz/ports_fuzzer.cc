@@ -21,7 +21,8 @@ static int matched_port(const GRegex* regex, const std::string& text) {
 }
 
 void try_input(FuzzedDataProvider& input) {
-  // The bytes 0x80 to 0x82 stand for the keys: random changes would break keys that are spelled out.
+  // The bytes 0x80 to 0x82 stand for the keys: random changes would break keys that are spelled
+  // out.
   static const char* const keys[] = {"external_controller", "\"mixed\"", "listen_port"};
   std::string config;
   for (const char byte : input.ConsumeRemainingBytesAsString()) {

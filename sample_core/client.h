@@ -29,7 +29,7 @@ std::optional<std::string> read_bytes(const Client& client, gsize count);
 uint16_t port_in(const std::string& two_bytes);
 
 // Ends the client's connection after a last answer. Waits a moment for what the client still sends,
-// since closing with unread data makes the kernel throw that answer away.
+// because the kernel discards the answer when a socket is closed with unread data.
 void close_gently(const Client& client);
 
 // Connects to `target` without any proxy; blocks for some seconds at most. Returns a new connection

@@ -49,7 +49,7 @@ static int descriptor_of(GSocketConnection* connection) {
   return g_socket_get_fd(g_socket_connection_get_socket(connection));
 }
 
-// After an orderly end the receiver would take half an answer for a whole one.
+// After a regular end, the receiver would take a cut answer for a complete one.
 static void reset_when_closed(GSocketConnection* connection) {
   const linger at_once = {1, 0};
   setsockopt(descriptor_of(connection), SOL_SOCKET, SO_LINGER, &at_once, sizeof at_once);
@@ -81,8 +81,8 @@ static gboolean end_if_silent(gpointer user_data) {
   return G_SOURCE_CONTINUE;
 }
 
-// The direction that ends last frees the relay. The other one may go on for long; that its receiver
-// has gone shows only by its silence.
+// The last direction to end frees the relay. While one is left, only its silence can show that the
+// peer is gone.
 static void end_direction(Relay* relay, const GError* error, GSocketConnection* receiver) {
   if (error == nullptr) {
     g_socket_shutdown(g_socket_connection_get_socket(receiver), FALSE, TRUE, nullptr);
@@ -113,8 +113,8 @@ static void on_download_ended(GObject* output, GAsyncResult* result, gpointer us
 
 static void prepare_for_idling(GSocketConnection* connection) {
   GSocket* socket = g_socket_connection_get_socket(connection);
-  g_socket_set_timeout(socket, 0);       // an idle tunnel is fine
-  g_socket_set_keepalive(socket, TRUE);  // a vanished machine at its end is not
+  g_socket_set_timeout(socket, 0);       // idle tunnels stay open
+  g_socket_set_keepalive(socket, TRUE);  // finds a peer that has vanished
 }
 
 static void pass_bytes(Relay* relay, GSocketConnection* sender, GSocketConnection* receiver,

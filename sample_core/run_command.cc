@@ -15,7 +15,7 @@
 
 struct RunOptions {
   std::string config_path;
-  std::string directory;  // empty: stay where we are
+  std::string directory;  // empty: no change
 };
 
 static std::string to_string(const char* text) { return text == nullptr ? "" : text; }
@@ -59,7 +59,7 @@ static gboolean on_exit_signal(gpointer loop) {
 static bool start(int argc, char** argv, std::string* error) {
   const std::optional<RunOptions> options = parse_options(argc, argv, error);
   if (!options) return false;
-  // The configuration's path is relative to where the user stands, so it's read before the move.
+  // The configuration's path is relative to the directory before the change.
   const std::optional<CoreConfig> config = load_config(options->config_path, error);
   return config && enter_directory(options->directory, error) && start_server(*config, error);
 }

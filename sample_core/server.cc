@@ -64,7 +64,7 @@ static gboolean on_client(GThreadedSocketService*, GSocketConnection* connection
   g_autoptr(GInputStream) input = g_buffered_input_stream_new_sized(raw_input, k_max_head_size);
   g_filter_input_stream_set_close_base_stream(G_FILTER_INPUT_STREAM(input), FALSE);
 
-  // A port probe connects and leaves without a word; that is no event.
+  // A port probe connects and sends nothing; that isn't logged.
   const Client client = {connection, G_BUFFERED_INPUT_STREAM(input)};
   if (g_buffered_input_stream_fill(client.input, -1, nullptr, nullptr) > 0) {
     reinterpret_cast<Serve>(serve)(client);

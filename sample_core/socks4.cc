@@ -8,7 +8,7 @@ enum Reply : char { reply_granted = 90, reply_rejected = 91 };
 static constexpr char k_connect_command = 1;
 static constexpr gsize k_max_text_size = 255;
 
-// The address behind the code means something to BIND alone.
+// The address after the code matters only to BIND.
 static bool send_reply(const Client& client, Reply reply) {
   return send_bytes(client.connection, {0, reply, 0, 0, 0, 0, 0, 0});
 }

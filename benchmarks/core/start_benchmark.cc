@@ -56,8 +56,7 @@ static void make_home() {
 }
 
 static void open_channel() {
-  g_autoptr(FlDartProject) project = fl_dart_project_new();
-  g_messenger = fl_engine_get_binary_messenger(fl_engine_new(project));
+  g_messenger = fl_engine_get_binary_messenger(engine_new());
   g_autoptr(FlStandardMethodCodec) codec = fl_standard_method_codec_new();
   g_autoptr(FlMethodChannel) channel =
       fl_method_channel_new(g_messenger, k_channel, FL_METHOD_CODEC(codec));

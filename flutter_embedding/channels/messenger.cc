@@ -9,7 +9,7 @@
 
 namespace {
 
-// By channel. Shared, so that a function in use outlives its removal from the table.
+// Functions by channel. Shared, so that one that is running outlives its removal from the table.
 template <typename Function>
 using FunctionTable = std::map<std::string, std::shared_ptr<const Function>>;
 
@@ -22,7 +22,7 @@ template <typename Function>
 void put_function(FunctionTable<Function>& table, const char* channel, Function function) {
   std::shared_ptr<const Function> replacement;
   if (function != nullptr) replacement = std::make_shared<const Function>(std::move(function));
-  // Destroying the earlier function may call back into the table, so that comes last.
+  // Destroying the earlier function may change the table again, so it comes last.
   const auto replaced = std::exchange(table[channel], std::move(replacement));
 }
 
@@ -88,7 +88,7 @@ FlBinaryMessenger* messenger_new() {
 }
 
 void messenger_close(FlBinaryMessenger* messenger) {
-  // What goes with the wire may call back into the messenger, which is closed by then.
+  // The handlers' destruction may call back into the messenger, which must be closed by then.
   const std::shared_ptr<Wire> closed = std::exchange(wire_of(messenger), nullptr);
 }
 

@@ -7,8 +7,8 @@
 
 #include "flutter_embedding/channels/pending_reply.h"
 
-// Reads the call that came in on a channel. A message that is no call is reported as a GLib warning
-// and gives null; the reply then goes out as unhandled. Main thread only.
+// Decodes a call. A malformed message is reported as a GLib warning and gives null; its sender
+// learns that nobody handled it. Main thread only.
 FlMethodCall* method_call_from_message(const char* channel, GBytes* message,
                                        std::unique_ptr<PendingReply> reply);
 

@@ -1,5 +1,5 @@
-// What a response holds: for the codec and the user interface's end. Everything is borrowed.
-// Main thread only.
+// The contents of a response, for the codec and the user interface. Everything is borrowed. Main
+// thread only.
 
 #ifndef CORVANA_FLUTTER_EMBEDDING_CHANNELS_METHOD_RESPONSE_H_
 #define CORVANA_FLUTTER_EMBEDDING_CHANNELS_METHOD_RESPONSE_H_

@@ -10,7 +10,7 @@
 // that nobody handled the message. Main thread only.
 class PendingReply {
  public:
-  // Null bytes are the null reply. Gives false when the sender of the message is gone.
+  // Null bytes are the null reply. Returns false when the sender of the message is gone.
   using Send = std::function<bool(GBytes* reply)>;
 
   explicit PendingReply(Send send) : send_(std::move(send)) {}
@@ -22,7 +22,7 @@ class PendingReply {
 
   bool used() const { return send_ == nullptr; }
 
-  // Once only, while not used().
+  // Only while not used().
   bool send(GBytes* reply) { return std::exchange(send_, nullptr)(reply); }
 
  private:

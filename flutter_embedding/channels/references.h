@@ -1,5 +1,4 @@
-// Shared ownership of GLib's counted things for captures and members: the reference goes with the
-// last copy.
+// Hold a reference on one of GLib's objects, for captures and members. The last copy releases it.
 
 #ifndef CORVANA_FLUTTER_EMBEDDING_CHANNELS_REFERENCES_H_
 #define CORVANA_FLUTTER_EMBEDDING_CHANNELS_REFERENCES_H_

@@ -57,8 +57,8 @@ FlMethodResponse* decode_error(MessageReader& reader, GError** error) {
                                    message == nullptr ? nullptr : message->c_str(), details.get()));
 }
 
-// Hosts read the name as a C string: what follows a zero byte would silently be cut off, and
-// another method be called.
+// Hosts read the name as a C string. A zero byte would cut it off, and another method would be
+// called.
 ValueRef read_method_name(MessageReader& reader, GError** error) {
   ValueRef name = read_string(reader, error);
   if (name != nullptr && std::get<std::string>(name->content).find('\0') != std::string::npos) {
@@ -128,8 +128,7 @@ FlMethodResponse* decode_reply(GBytes* message, GError** error) {
   }
 }
 
-// The codec's types hold nothing and do nothing: there is only one codec, so the channels call the
-// functions above.
+// There is only one codec, so channels call the functions above and the codec's objects are empty.
 struct _FlStandardMethodCodec {
   FlMethodCodec parent_instance;
 };

@@ -1,6 +1,5 @@
 // The standard codec: values, method calls and replies as bytes, and back. Pure functions, for any
-// thread. Failure is null or false and a CodecError; bytes of any kind are a possible input, and
-// never worse than an error.
+// thread. On failure they return null or false and set a CodecError. Any bytes may be passed in.
 
 #ifndef CORVANA_FLUTTER_EMBEDDING_CODEC_STANDARD_CODEC_H_
 #define CORVANA_FLUTTER_EMBEDDING_CODEC_STANDARD_CODEC_H_
@@ -9,7 +8,7 @@
 
 #include "flutter_embedding/values/value.h"
 
-// A whole message that holds one value and nothing else. Encoding gives a new reference.
+// A message that is one value. Encoding returns a new reference.
 GBytes* encode_value(const FlValue* value, GError** error);
 ValueRef decode_value(GBytes* message, GError** error);
 
@@ -21,7 +20,7 @@ struct DecodedCall {
 GBytes* encode_method_call(const std::string& name, const FlValue* args, GError** error);
 bool decode_method_call(GBytes* message, DecodedCall* call, GError** error);
 
-// A success, an error, or, as an empty message, "not implemented". Both give a new reference.
+// A success, an error or, as an empty message, "not implemented". Both return a new reference.
 GBytes* encode_reply(FlMethodResponse* response, GError** error);
 FlMethodResponse* decode_reply(GBytes* message, GError** error);
 

@@ -21,7 +21,7 @@ bool expect_left(const MessageReader& reader, size_t count, size_t width, GError
   return true;
 }
 
-// Copies because a number in a message may lie at an odd address.
+// Copied, because the numbers in a message may be unaligned.
 template <typename Number>
 bool read_numbers(MessageReader& reader, Number* numbers, size_t count, GError** error) {
   if (!expect_left(reader, count, sizeof(Number), error)) return false;
@@ -94,7 +94,7 @@ ValueRef read_number_list(MessageReader& reader, GError** error) {
   return value_new(std::move(numbers));
 }
 
-// Lists and maps grow with what is really there; the announced count reserves nothing.
+// The announced count may be false, so nothing is reserved: lists and maps grow as they are read.
 ValueRef read_list(MessageReader& reader, int depth, GError** error) {
   size_t count = 0;
   if (!read_size(reader, &count, error)) return nullptr;

@@ -12,7 +12,7 @@
 
 #include "flutter_embedding/values/value.h"
 
-// Why bytes are no message, or a value can't become one.
+// Why bytes can't be decoded, or a value can't be encoded.
 enum CodecError {
   CODEC_ERROR_TRUNCATED,        // the message ends early, or a size reaches beyond its end
   CODEC_ERROR_UNKNOWN_TYPE,     // no such type byte or envelope
@@ -42,16 +42,17 @@ enum class WireType : uint8_t {
   float32_list = 14,
 };
 
-// A size below 254 is one byte. Mark 254 is followed by a size of two bytes, mark 255 by one of four.
+// A size below 254 is one byte. Mark 254 is followed by a size of two bytes, mark 255 by one of
+// four.
 inline constexpr uint8_t k_two_byte_size_mark = 254;
 inline constexpr uint8_t k_four_byte_size_mark = 255;
 
-// Values are read, written and released recursively: a message of nothing but list openings must
-// not use up the stack.
+// Values are read, written and released recursively. A message of nested lists must not overflow
+// the stack.
 inline constexpr int k_max_nesting = 128;
 
-// A message, borrowed, and how much of it has been read. The bytes come from outside: nothing in
-// them is believed before it is checked against what is left.
+// A borrowed message, and how much of it has been read. Sizes in it may be false; each is checked
+// against what is left.
 struct MessageReader {
   const uint8_t* bytes;
   size_t size;
@@ -60,7 +61,7 @@ struct MessageReader {
   size_t left() const { return size - position; }
 };
 
-// After a failure the position is where the reader gave up.
+// After a failure the position is where reading stopped.
 ValueRef read_value(MessageReader& reader, GError** error);
 
 // As read_value, but any other type than a string is an error too.
@@ -72,8 +73,8 @@ bool expect_end(const MessageReader& reader, GError** error);
 // The next byte, which must exist.
 bool read_byte(MessageReader& reader, uint8_t* byte, GError** error);
 
-// Both append to `message`, which holds the message from its first byte on, since padding counts
-// from there. After a failure `message` is of no use.
+// Both append to `message`, which must hold the whole message so far, because padding depends on
+// the position. After a failure its content is undefined.
 bool write_value(std::vector<uint8_t>& message, const FlValue* value, GError** error);
 bool write_string(std::vector<uint8_t>& message, const std::string& text, GError** error);
 

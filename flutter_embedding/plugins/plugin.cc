@@ -1,5 +1,5 @@
-// One plugin library, whose name and registration function come from the build. The real plugins
-// answer on channels of their own, which nothing here calls.
+// Stands in for one plugin library; the build passes its name and registration function. The real
+// plugins also have channels, which nothing here calls.
 
 #include <flutter_linux/flutter_linux.h>
 

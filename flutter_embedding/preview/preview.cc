@@ -15,12 +15,13 @@ namespace preview {
 namespace {
 
 constexpr int k_max_width = 600;
+constexpr char k_preview[] = "preview";
 
 struct Preview {
   Options options;
   GtkWidget* root = nullptr;
   GtkStack* pages = nullptr;
-  // Ends with the widgets; the rest stays until the last signal of a dying widget has been handled.
+  // Ends when the root is destroyed. The other members stay until its last signals are handled.
   std::shared_ptr<void> life = std::make_shared<char>();
   std::shared_ptr<ServiceClient> client;
   std::shared_ptr<ConnectionPage> connection;
@@ -96,7 +97,7 @@ void make_root(Preview* preview) {
   use_chinese_glyphs(preview->root);
   gtk_widget_show_all(preview->root);
   gtk_stack_set_visible_child_name(preview->pages, preview->options.page.c_str());
-  g_object_set_data_full(G_OBJECT(preview->root), "preview", preview, free_preview);
+  g_object_set_data_full(G_OBJECT(preview->root), k_preview, preview, free_preview);
   on_signal(preview->root, "destroy", [preview] { preview->life.reset(); });
 }
 
@@ -128,13 +129,14 @@ bool take_key(Preview* preview, guint key) {
   }
 }
 
-gboolean on_key(GtkWidget*, GdkEventKey* event, gpointer preview) {
+gboolean on_key(GtkWidget*, GdkEventKey* event, gpointer root) {
   const GdkModifierType held =
       static_cast<GdkModifierType>(event->state & gtk_accelerator_get_default_mod_mask());
   if (held != GDK_CONTROL_MASK) return GDK_EVENT_PROPAGATE;
   bool taken = false;
   run_guarded([&] {
-    taken = take_key(static_cast<Preview*>(preview), gdk_keyval_to_lower(event->keyval));
+    auto* preview = static_cast<Preview*>(g_object_get_data(G_OBJECT(root), k_preview));
+    taken = take_key(preview, gdk_keyval_to_lower(event->keyval));
   });
   return taken ? GDK_EVENT_STOP : GDK_EVENT_PROPAGATE;
 }
@@ -150,14 +152,16 @@ void limit_width(Preview* preview) {
 
 void watch_window(Preview* preview) {
   GtkWidget* window = gtk_widget_get_toplevel(preview->root);
-  g_signal_connect(window, "key-press-event", G_CALLBACK(on_key), preview);
+  // The window may outlive the view.
+  g_signal_connect_object(window, "key-press-event", G_CALLBACK(on_key), preview->root,
+                          GConnectFlags{});
   on_signal(preview->root, "size-allocate",
             [preview] { run_later(0, preview->life, [preview] { limit_width(preview); }); });
   limit_width(preview);
 }
 
-// Listening begins with the window and not with its log page: the stream replays a long log at a
-// quarter of a megabyte a second, which a person who opens the page would have to sit through.
+// Listens before the log page is shown: the stream replays 256 KiB a second, so a long log takes a
+// while to arrive.
 void start(Preview* preview) {
   watch_window(preview);
   log_page_listen(preview->log.get());

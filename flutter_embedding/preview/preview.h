@@ -5,9 +5,9 @@
 #include <gtk/gtk.h>
 
 // The window content that stands in for the Flutter application. Like it, the content reaches the
-// host over the messenger only. Takes a reference on the messenger; borrows the arguments (null and
-// empty are fine, what can't be understood is reported on standard error). Returns a floating
-// widget. Main thread only, after gtk_init. Never fails.
+// host over the messenger only. Takes a reference on the messenger and borrows the arguments, which
+// may be null; wrong ones are reported on standard error. Returns a floating widget. Main thread
+// only, after gtk_init. Never fails.
 GtkWidget* preview_new(FlBinaryMessenger* messenger, char** dart_entrypoint_arguments);
 
 #endif

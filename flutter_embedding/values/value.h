@@ -1,5 +1,4 @@
-// What a value is made of: for the codec, which reads and writes it without the detour over the C
-// functions.
+// The representation of a value, which the codec reads and writes directly.
 
 #ifndef CORVANA_FLUTTER_EMBEDDING_VALUES_VALUE_H_
 #define CORVANA_FLUTTER_EMBEDDING_VALUES_VALUE_H_
@@ -22,10 +21,10 @@ struct ValueUnref {
 using ValueRef = std::unique_ptr<FlValue, ValueUnref>;
 
 using ValueList = std::vector<ValueRef>;
-// A list of pairs, not a tree: the order of insertion counts, and the maps on a channel are small.
+// Pairs rather than a tree: the order of insertion matters, and the maps on a channel are small.
 using ValueMap = std::vector<std::pair<ValueRef, ValueRef>>;
 
-// The alternatives stand in the order of FlValueType: the index of the one in use is the type.
+// The alternatives are in the order of FlValueType, so that index() is the type.
 using ValueContent = std::variant<std::monostate, bool, int64_t, double, std::string,
                                   std::vector<uint8_t>, std::vector<int32_t>, std::vector<int64_t>,
                                   std::vector<double>, ValueList, ValueMap, std::vector<float>>;
@@ -35,7 +34,7 @@ struct _FlValue {
   std::atomic<int> references{1};
 };
 
-// Any thread. The content is moved into a value with one reference.
+// A new value with one reference. Any thread.
 ValueRef value_new(ValueContent content);
 
 #endif

@@ -40,8 +40,7 @@ static void answer(FlMethodChannel*, FlMethodCall* call, gpointer) {
 }
 
 TEST(Channel, EveryKindOfAnswerArrivesLater) {
-  g_autoptr(FlDartProject) project = fl_dart_project_new();
-  g_autoptr(FlEngine) engine = fl_engine_new(project);
+  g_autoptr(FlEngine) engine = engine_new();
   FlBinaryMessenger* const messenger = fl_engine_get_binary_messenger(engine);
   g_autoptr(FlStandardMethodCodec) codec = fl_standard_method_codec_new();
   g_autoptr(FlMethodChannel) channel =

@@ -139,15 +139,22 @@ class Window(host.HostTest):
         self.assertTrue(eventually(lambda: self.window.find(f"label {len(lines)} 行")))
         return log
 
+    def log_text(self, start, end):
+        """A part of the log; "" when it is hidden."""
+        return self.window.find(LOG).call("Text.GetText", "(ii)", start, end)
+
     def is_in_view(self, offset):
-        """Whether the log's character can be seen."""
+        """Whether the log's character is in the pane, hidden or not."""
         log = self.window.find(LOG)
         _, top, _, height = log.call("Text.GetCharacterExtents", "(iu)", offset, screen_reader.SCREEN)
         _, view_top, _, view_height = log.call("Component.GetExtents", "(u)", screen_reader.SCREEN)
         return view_top <= top and top + height <= view_top + view_height
 
+    def log_size(self):
+        return self.window.find(LOG).get("Text", "CharacterCount")
+
     def is_end_in_view(self):
-        return self.is_in_view(self.window.find(LOG).get("Text", "CharacterCount") - 1)
+        return self.is_in_view(self.log_size() - 1)
 
     def selection_start(self):
         return self.window.find(LOG).call("Text.GetSelection", "(i)", 0)[0]
@@ -162,7 +169,7 @@ class Window(host.HostTest):
             xdotool(f"key {keys}")
             self.assertTrue(eventually(
                 lambda: self.selection_start() == starts[line] and self.is_in_view(starts[line])), keys)
-        self.assertEqual("plain\nWARN", self.window.find(LOG).call("Text.GetText", "(ii)", 0, 10))
+        self.assertEqual("plain\nWARN", self.log_text(0, 10))
         looks = [self.window.find(LOG).call("Text.GetAttributeRun", "(ib)", start, True)[0] for start in starts[:5]]
         self.assertEqual(["400 normal", "400 italic", "700 normal", "700 normal", "400 normal"],
                          [f"{look['weight']} {look['style']}" for look in looks])
@@ -182,8 +189,16 @@ class Window(host.HostTest):
             # The view slides for 250 ms; a second is well past that.
             self.assertFalse(eventually(lambda: (self.window.find(TO_END) is None) != follows, 1), act)
         writer.end()
-        xdotool("key ctrl+Home")
-        self.assertTrue(eventually(lambda: self.is_in_view(0)))
+        host.output_of(f"echo the end >>{log}")
+        self.assertTrue(eventually(lambda: self.log_text(self.log_size() - 7, -1) == "the end"))
+        end = self.log_size() - 1
+        # Some lines above the end, and the beginning: also from where the lines above were hidden.
+        for act, place in ("click 4 click 4 click 4 click 4", end - 120), ("key ctrl+Home", 0):
+            xdotool("key ctrl+End")
+            self.assertTrue(eventually(self.is_end_in_view))
+            xdotool(act)
+            self.assertTrue(eventually(lambda: self.log_text(0, 1) and self.is_in_view(place)), act)
+            self.assertFalse(eventually(lambda: not self.is_in_view(place), 1), act)
         xdotool("key ctrl+End key Up")
         self.assertTrue(eventually(lambda: self.window.find(TO_END)))
         self.assertTrue(eventually(lambda: xdotool("click 5") or self.window.find(TO_END) is None))

@@ -9,8 +9,7 @@
 static const char k_channel[] = "com.corvana.channel/proxy_service";
 
 ChannelClient::ChannelClient() {
-  g_autoptr(FlDartProject) project = fl_dart_project_new();
-  engine_ = fl_engine_new(project);
+  engine_ = engine_new();
   g_autoptr(FlStandardMethodCodec) codec = fl_standard_method_codec_new();
   channel_ = fl_method_channel_new(messenger(), k_channel, FL_METHOD_CODEC(codec));
   fl_method_channel_set_method_call_handler(channel_, method_call_handler, nullptr, nullptr);

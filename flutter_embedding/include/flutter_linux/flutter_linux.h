@@ -4,9 +4,9 @@
 // thread. A value's reference count is atomic; its content isn't guarded, so nobody may change a
 // value that another thread reads.
 //
-// Texts, vectors and data handed in are copied. A result is a new reference unless its comment
-// says "borrowed". A null or wrongly typed argument is a programming error: it is reported as a
-// GLib critical, and the function does nothing.
+// Strings, vectors and data that are passed in are copied. A result is a new reference unless its
+// comment says "borrowed". A null or wrongly typed argument is a programming error: it is reported
+// as a GLib critical, and the function does nothing.
 
 #ifndef CORVANA_FLUTTER_LINUX_FLUTTER_LINUX_H_
 #define CORVANA_FLUTTER_LINUX_FLUTTER_LINUX_H_
@@ -37,8 +37,8 @@ typedef enum {
 
 typedef struct _FlValue FlValue;
 
-// Makers. Lengths count elements, that of a sized string counts bytes. Text is meant
-// to be UTF-8, but its bytes are carried as they are.
+// Constructors. Lengths are in elements, that of a sized string in bytes. Strings should be UTF-8;
+// their bytes are passed on unchecked.
 FlValue* fl_value_new_null(void);
 FlValue* fl_value_new_bool(bool value);
 FlValue* fl_value_new_int(int64_t value);
@@ -63,14 +63,14 @@ bool fl_value_equal(FlValue* a, FlValue* b);
 void fl_value_append(FlValue* list, FlValue* value);
 void fl_value_append_take(FlValue* list, FlValue* value);
 
-// A map keeps the order in which keys were first set; setting one again replaces its value where
-// it stands.
+// A map keeps the order in which keys were first set; setting a key again replaces its value and
+// keeps its place.
 void fl_value_set(FlValue* map, FlValue* key, FlValue* value);
 void fl_value_set_take(FlValue* map, FlValue* key, FlValue* value);
 void fl_value_set_string(FlValue* map, const gchar* key, FlValue* value);
 void fl_value_set_string_take(FlValue* map, const gchar* key, FlValue* value);
 
-// Getters. What they point at is borrowed and lives as long as the value. A getter of another type
+// Getters. Their pointers are borrowed and valid as long as the value. A getter of another type
 // than the value's reports a critical and gives zero or null, so ask for the type first.
 FlValueType fl_value_get_type(FlValue* value);
 bool fl_value_get_bool(FlValue* value);
@@ -95,17 +95,17 @@ FlValue* fl_value_get_map_value(FlValue* map, size_t index);
 FlValue* fl_value_lookup(FlValue* map, FlValue* key);
 FlValue* fl_value_lookup_string(FlValue* map, const gchar* key);
 
-// For people to read; the caller frees the text with g_free.
+// A text for debugging. Free it with g_free.
 gchar* fl_value_to_string(FlValue* value);
 
 G_DEFINE_AUTOPTR_CLEANUP_FUNC(FlValue, fl_value_unref)
 
-// What an engine runs.
+// The Dart program that an engine runs, and its arguments.
 G_DECLARE_FINAL_TYPE(FlDartProject, fl_dart_project, FL, DART_PROJECT, GObject)
 
 FlDartProject* fl_dart_project_new(void);
 
-// A null-terminated vector. The getter's is borrowed and never null, but empty at first.
+// A null-terminated vector. The getter's result is borrowed and never null; it is empty at first.
 void fl_dart_project_set_dart_entrypoint_arguments(FlDartProject* project, char** argv);
 char** fl_dart_project_get_dart_entrypoint_arguments(FlDartProject* project);
 
@@ -117,7 +117,8 @@ G_DECLARE_FINAL_TYPE(FlEngine, fl_engine, FL, ENGINE, GObject)
 // Borrowed.
 FlBinaryMessenger* fl_engine_get_binary_messenger(FlEngine* engine);
 
-// Shows a project that runs in an engine of the view's own. Destroying the widget ends the engine.
+// A widget that shows a project. It has an engine of its own, which ends when the widget is
+// destroyed.
 G_DECLARE_FINAL_TYPE(FlView, fl_view, FL, VIEW, GtkBox)
 
 // A floating widget, which keeps a reference on the project.
@@ -126,7 +127,7 @@ FlView* fl_view_new(FlDartProject* project);
 // Borrowed; null once the widget is destroyed.
 FlEngine* fl_view_get_engine(FlView* view);
 
-// What a plugin gets when it is registered.
+// Gives a plugin the messenger and the view.
 G_DECLARE_INTERFACE(FlPluginRegistrar, fl_plugin_registrar, FL, PLUGIN_REGISTRAR, GObject)
 
 // Borrowed; the view is null once it is gone.
@@ -163,7 +164,7 @@ G_DECLARE_FINAL_TYPE(FlMethodNotImplementedResponse, fl_method_not_implemented_r
 
 FlMethodNotImplementedResponse* fl_method_not_implemented_response_new(void);
 
-// How the host's end of a channel reads calls and writes answers.
+// Stands for a channel's encoding. There is only the standard one.
 G_DECLARE_DERIVABLE_TYPE(FlMethodCodec, fl_method_codec, FL, METHOD_CODEC, GObject)
 
 struct _FlMethodCodecClass {
@@ -176,15 +177,15 @@ G_DECLARE_FINAL_TYPE(FlStandardMethodCodec, fl_standard_method_codec, FL, STANDA
 // Values nested deeper than 128 levels can be neither read nor written.
 FlStandardMethodCodec* fl_standard_method_codec_new(void);
 
-// A call that waits for its answer. When its last reference goes unanswered, the caller learns
-// that nobody handled it.
+// A call from the user interface. If it is released unanswered, the caller learns that nobody
+// handled it.
 G_DECLARE_FINAL_TYPE(FlMethodCall, fl_method_call, FL, METHOD_CALL, GObject)
 
 // Borrowed.
 const gchar* fl_method_call_get_name(FlMethodCall* call);
 FlValue* fl_method_call_get_args(FlMethodCall* call);
 
-// Fails, and does no harm, when the call was answered before, the response can't be encoded or the
+// Fails without any effect when the call was answered before, the response can't be encoded or the
 // engine is gone.
 gboolean fl_method_call_respond(FlMethodCall* call, FlMethodResponse* response, GError** error);
 
@@ -198,8 +199,8 @@ typedef void (*FlMethodChannelMethodCallHandler)(FlMethodChannel* channel, FlMet
                                                  gpointer user_data);
 
 // A channel name has one handler: a new one replaces it, null removes it. The messenger keeps the
-// channel alive while its handler is installed. `destroy` gets `user_data` once the handler is out
-// of use, at the latest when the engine goes, but never while the handler runs.
+// channel alive while its handler is installed. `destroy` is called with `user_data` once the
+// handler is replaced or removed or the engine has ended, but never while the handler runs.
 void fl_method_channel_set_method_call_handler(FlMethodChannel* channel,
                                                FlMethodChannelMethodCallHandler handler,
                                                gpointer user_data, GDestroyNotify destroy);
@@ -209,18 +210,18 @@ G_DECLARE_FINAL_TYPE(FlEventChannel, fl_event_channel, FL, EVENT_CHANNEL, GObjec
 FlEventChannel* fl_event_channel_new(FlBinaryMessenger* messenger, const gchar* name,
                                      FlMethodCodec* codec);
 
-// Gives null for success, or a new error response, which becomes the answer. `args` is borrowed.
+// Returns null for success, or a new error response, which becomes the answer. `args` is borrowed.
 typedef FlMethodErrorResponse* (*FlEventChannelHandler)(FlEventChannel* channel, FlValue* args,
                                                         gpointer user_data);
 
-// A null handler accepts; two of them remove the channel from its messenger. Otherwise the same
-// rules as for the handler of a method channel.
+// A null handler accepts every call; two null handlers remove the channel's handlers. Otherwise as
+// for the handler of a method channel.
 void fl_event_channel_set_stream_handlers(FlEventChannel* channel, FlEventChannelHandler listen,
                                           FlEventChannelHandler cancel, gpointer user_data,
                                           GDestroyNotify destroy);
 
-// Sends whether or not somebody listens. Fails when the cancellable is cancelled, the event can't
-// be encoded or the engine is gone.
+// Sends even if nobody listens. Fails when the cancellable is cancelled, the event can't be encoded
+// or the engine is gone.
 gboolean fl_event_channel_send(FlEventChannel* channel, FlValue* event, GCancellable* cancellable,
                                GError** error);
 

@@ -38,7 +38,7 @@ bool can_disconnect(const ServiceStatus& status) {
   return status.phase == Phase::connected || (is_failed(status.phase) && status.core_running);
 }
 
-// A button that can no longer be pressed hands the focus to the one that can.
+// Moves the focus from a button that has become insensitive to the other one.
 void keep_focus(const ConnectionPage& page) {
   GtkWidget* window = gtk_widget_get_toplevel(page.widget);
   if (!GTK_IS_WINDOW(window) || !gtk_widget_get_mapped(page.widget)) return;
@@ -74,7 +74,7 @@ GtkWidget* scrolling_details_new(ConnectionPage* page) {
   }
   GtkWidget* scrolled = scrolled_new(details, "连接详情");
   gtk_widget_set_vexpand(scrolled, TRUE);
-  // In the smallest window the beginning of a failure is still there to read.
+  // Keeps the beginning of a failure visible in the smallest window.
   gtk_scrolled_window_set_min_content_height(GTK_SCROLLED_WINDOW(scrolled), 96);
   return scrolled;
 }
@@ -109,7 +109,7 @@ void connection_page_show(ConnectionPage* page, const ServiceStatus& status) {
   gtk_widget_set_sensitive(page->form->widget, can_connect(status.phase));
   gtk_widget_set_sensitive(page->connect, can_connect(status.phase));
   gtk_widget_set_sensitive(page->disconnect, can_disconnect(status));
-  // The form may name another configuration than the one that a core found running uses.
+  // A core that was running before may use another configuration than the form names.
   gtk_widget_set_visible(page->address->widget, connected && status.started_here);
   gtk_widget_set_visible(page->foreign_core_note, connected && !status.started_here);
   gtk_widget_set_visible(page->failure->widget, is_failed(status.phase));

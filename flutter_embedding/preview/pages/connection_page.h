@@ -10,7 +10,7 @@
 
 namespace preview {
 
-// The page that starts and stops the proxy and says how it stands. Main thread only.
+// The page that starts and stops the proxy and shows its status. Main thread only.
 struct ConnectionPage;
 
 // The page has to outlive its widget.
@@ -22,8 +22,8 @@ GtkWidget* connection_page_widget(const ConnectionPage& page);
 
 void connection_page_show(ConnectionPage* page, const ServiceStatus& status);
 
-// What the connect button does: a start with the chosen configuration and mode. False when the form
-// says what is wrong with the configuration; then nothing begins.
+// Starts with the chosen configuration and mode, as the connect button does. False when the
+// configuration has a fault: nothing begins, and the form shows the fault.
 bool connection_page_connect(ConnectionPage* page);
 
 }  // namespace preview

@@ -22,16 +22,16 @@ struct DiagnosticsPage {
   GtkWidget* widget = nullptr;
   GtkStack* content = nullptr;  // "loading", "table" or "failed"
   GtkWidget* table = nullptr;
-  GtkWidget* refresh = nullptr;
   GtkWidget* copy = nullptr;
   std::vector<DiagnosticsRow> rows;
-  bool loading = false;
-  bool loaded = false;
+  enum class State { unasked, loading, answered } state = State::unasked;
 };
 
 namespace {
 
-enum class Kind { text, flag, needed };  // without a needed one nothing works
+using State = DiagnosticsPage::State;
+
+enum class Kind { text, flag, needed };  // a needed flag that is false is a problem
 
 struct Entry {
   const char* key;
@@ -75,21 +75,20 @@ DiagnosticsRow text_row(const Entry& entry, FlValue* report) {
   return {entry.label, text, k_plain};
 }
 
-// To paste into a message.
+// For the clipboard.
 std::string text_of(const std::vector<DiagnosticsRow>& rows) {
   std::string text;
   for (const DiagnosticsRow& row : rows) text += std::string(row.label) + "\t" + row.value + "\n";
   return text;
 }
 
-// The host answers from the main thread and takes its time: the page's fading in has to be over
-// first.
+// The host's answer blocks the main thread for a while, so the page's fading in must be over first.
 constexpr unsigned k_paint_milliseconds = 300;
 
 std::vector<GtkWidget*> row_new(const DiagnosticsRow& row) {
   GtkWidget* value = value_label_new(row.value.c_str());
   GtkWidget* caption = caption_new(row.label, value);
-  // Chinese letters are higher than Latin ones; the words still stand on one line.
+  // Chinese glyphs are taller than Latin ones; without this, the two texts would differ in height.
   gtk_widget_set_valign(caption, GTK_ALIGN_BASELINE);
   gtk_widget_set_valign(value, GTK_ALIGN_BASELINE);
   for (const char* style_class : {k_plain, row.style_class}) add_style_class(value, style_class);
@@ -118,10 +117,8 @@ void show_answer(DiagnosticsPage* page, const UiReply& reply) {
     }
     show_rows(page);
   }
-  page->loading = false;
-  page->loaded = true;
+  page->state = State::answered;
   gtk_stack_set_visible_child_name(page->content, answered ? "table" : "failed");
-  gtk_widget_set_sensitive(page->refresh, TRUE);
   gtk_widget_set_sensitive(page->copy, answered);
 }
 
@@ -133,10 +130,9 @@ void ask(DiagnosticsPage* page) {
 }
 
 void load(DiagnosticsPage* page) {
-  if (page->loading) return;
-  page->loading = true;
+  if (page->state == State::loading) return;
+  page->state = State::loading;
   gtk_stack_set_visible_child_name(page->content, "loading");
-  gtk_widget_set_sensitive(page->refresh, FALSE);
   gtk_widget_set_sensitive(page->copy, FALSE);
   run_later(k_paint_milliseconds, page->life, [page] { ask(page); });
 }
@@ -168,11 +164,10 @@ GtkWidget* content_new(DiagnosticsPage* page) {
 
 GtkWidget* tools_new(DiagnosticsPage* page) {
   page->copy = copy_button_new("复制全部诊断结果", [page] { return text_of(page->rows); });
-  page->refresh = button_new("刷新", [page] { load(page); });
   GtkWidget* tools = gtk_box_new(GTK_ORIENTATION_HORIZONTAL, k_spacing);
   gtk_widget_set_halign(tools, GTK_ALIGN_END);
   gtk_container_add(GTK_CONTAINER(tools), page->copy);
-  gtk_container_add(GTK_CONTAINER(tools), page->refresh);
+  gtk_container_add(GTK_CONTAINER(tools), button_new("刷新", [page] { load(page); }));
   return tools;
 }
 
@@ -188,7 +183,7 @@ std::shared_ptr<DiagnosticsPage> diagnostics_page_new(FlBinaryMessenger* messeng
   gtk_container_add(GTK_CONTAINER(page->widget), content_new(page.get()));
   gtk_container_add(GTK_CONTAINER(page->widget), tools_new(page.get()));
   on_signal(page->widget, "map", [page = page.get()] {
-    if (!page->loaded) load(page);
+    if (page->state == State::unasked) load(page);
   });
   return page;
 }
@@ -196,7 +191,7 @@ std::shared_ptr<DiagnosticsPage> diagnostics_page_new(FlBinaryMessenger* messeng
 GtkWidget* diagnostics_page_widget(const DiagnosticsPage& page) { return page.widget; }
 
 bool diagnostics_page_is_loaded(const DiagnosticsPage& page) {
-  return page.loaded && !page.loading;
+  return page.state == State::answered;
 }
 
 }  // namespace preview

@@ -10,8 +10,8 @@
 
 namespace preview {
 
-// The page with the report about the machine, asked for when the page is first shown. Main thread
-// only.
+// The page with the report on the machine, which is fetched when the page is first shown. Main
+// thread only.
 struct DiagnosticsPage;
 
 // The page has to outlive its widget. Takes a reference on the messenger; nothing happens after
@@ -22,7 +22,7 @@ std::shared_ptr<DiagnosticsPage> diagnostics_page_new(FlBinaryMessenger* messeng
 // Floating until a container takes it.
 GtkWidget* diagnostics_page_widget(const DiagnosticsPage& page);
 
-// True once an answer, good or bad, is shown.
+// Whether the report, or that it failed, is shown.
 bool diagnostics_page_is_loaded(const DiagnosticsPage& page);
 
 }  // namespace preview

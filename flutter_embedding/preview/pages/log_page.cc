@@ -16,6 +16,7 @@ struct LogPage {
   GtkWidget* widget = nullptr;
   std::unique_ptr<LogPane> pane;
   GtkSearchBar* search = nullptr;
+  GtkWidget* searched_text = nullptr;
   GtkWidget* empty_note = nullptr;
   GtkLabel* line_count = nullptr;
   GtkWidget* to_end = nullptr;  // there only while the pane doesn't follow
@@ -49,18 +50,10 @@ void take_event(LogPage* page, FlValue* event) {
   show_line_count(page);
 }
 
-std::string selected_or_all(GtkTextBuffer* buffer) {
-  GtkTextIter start;
-  GtkTextIter end;
-  if (!gtk_text_buffer_get_selection_bounds(buffer, &start, &end)) {
-    gtk_text_buffer_get_bounds(buffer, &start, &end);
-  }
-  g_autofree char* text = gtk_text_buffer_get_text(buffer, &start, &end, TRUE);
-  return text;
-}
-
 GtkWidget* pane_new(LogPage* page) {
   page->pane = log_pane_new("核心日志", page->life, [page](bool follows_end) {
+    // A hidden button would take the focus with it.
+    if (gtk_widget_is_focus(page->to_end)) gtk_widget_grab_focus(GTK_WIDGET(page->pane->text.view));
     gtk_widget_set_visible(page->to_end, !follows_end);
   });
   page->empty_note = gtk_label_new("还没有日志，连接后在这里显示核心的输出");
@@ -83,7 +76,7 @@ void look_for(LogPage* page, GtkEntry* entry, bool behind_selection) {
 
 // Hidden until its search mode is set; Escape hides it again.
 GtkWidget* search_bar_new(LogPage* page) {
-  GtkWidget* entry = gtk_search_entry_new();
+  GtkWidget* entry = page->searched_text = gtk_search_entry_new();
   atk_object_set_name(gtk_widget_get_accessible(entry), "查找日志");
   on_signal(entry, "search-changed", [=] { look_for(page, GTK_ENTRY(entry), false); });
   for (const char* next : {"activate", "next-match"}) {
@@ -103,8 +96,9 @@ GtkWidget* tools_new(LogPage* page) {
   page->to_end = button_new("转到末尾", [page] { log_pane_go_to_end(page->pane.get()); });
   hide_until_wanted(page->to_end);
   GtkWidget* copy = copy_button_new("复制选中的日志，未选中时复制全部",
-                                    [page] { return selected_or_all(page->pane->text.buffer); });
+                                    [page] { return log_pane_selected_or_all(*page->pane); });
   GtkWidget* tools = gtk_box_new(GTK_ORIENTATION_HORIZONTAL, k_spacing);
+  gtk_widget_set_margin_top(tools, k_spacing);
   for (GtkWidget* tool : {count, page->to_end, copy, button_new("清空", [page] { clear(page); })}) {
     gtk_container_add(GTK_CONTAINER(tools), tool);
   }
@@ -117,7 +111,7 @@ std::shared_ptr<LogPage> log_page_new(FlBinaryMessenger* messenger, const Life& 
   auto page = std::make_shared<LogPage>();
   page->messenger = share_object(messenger);
   page->life = life;
-  page->widget = gtk_box_new(GTK_ORIENTATION_VERTICAL, k_spacing);
+  page->widget = gtk_box_new(GTK_ORIENTATION_VERTICAL, 0);
   set_all_margins(page->widget, k_margin);
   GtkWidget* pane = pane_new(page.get());
   for (GtkWidget* part : {search_bar_new(page.get()), pane, tools_new(page.get())}) {
@@ -129,7 +123,10 @@ std::shared_ptr<LogPage> log_page_new(FlBinaryMessenger* messenger, const Life& 
 
 GtkWidget* log_page_widget(const LogPage& page) { return page.widget; }
 
-void log_page_search(LogPage* page) { gtk_search_bar_set_search_mode(page->search, TRUE); }
+void log_page_search(LogPage* page) {
+  gtk_search_bar_set_search_mode(page->search, TRUE);
+  gtk_widget_grab_focus(page->searched_text);
+}
 
 void log_page_listen(LogPage* page) {
   ui_listen(page->messenger.get(), k_channel, [page, life = page->life](FlValue* event) {

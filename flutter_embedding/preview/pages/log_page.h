@@ -10,7 +10,7 @@
 
 namespace preview {
 
-// The page that follows the core's log. Main thread only.
+// The page that shows the core's log. Main thread only.
 struct LogPage;
 
 // The page has to outlive its widget. Takes a reference on the messenger; nothing happens after
@@ -20,10 +20,10 @@ std::shared_ptr<LogPage> log_page_new(FlBinaryMessenger* messenger, const Life& 
 // Floating until a container takes it.
 GtkWidget* log_page_widget(const LogPage& page);
 
-// Shows the field for the text to find, or goes to it.
+// Shows the search field and moves the focus there.
 void log_page_search(LogPage* page);
 
-// Lasts until the engine goes, which needs no cancelling: it forgets whom it would tell.
+// Listens until the engine ends; needs no cancelling.
 void log_page_listen(LogPage* page);
 
 }  // namespace preview

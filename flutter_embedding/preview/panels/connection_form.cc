@@ -7,7 +7,7 @@
 namespace preview {
 namespace {
 
-// A narrow field has better things to show than where the home directory lies.
+// The home directory's path would fill a narrow field.
 std::string with_tilde(const std::string& path) {
   const std::string home = std::string(g_get_home_dir()) + "/";
   return path.compare(0, home.size(), home) == 0 ? "~/" + path.substr(home.size()) : path;
@@ -21,7 +21,7 @@ std::string entered_path(GtkEntry* entry) { return without_tilde(gtk_entry_get_t
 
 void show_path(GtkEntry* entry, const std::string& path) {
   gtk_entry_set_text(entry, with_tilde(path).c_str());
-  // The file's name matters more than where the path begins.
+  // Shows the path's end, which is the file's name.
   gtk_editable_set_position(GTK_EDITABLE(entry), -1);
 }
 
@@ -52,7 +52,7 @@ void open_chooser(GtkEntry* entry) {
   g_signal_connect_object(chooser, "response", G_CALLBACK(take_chosen_file), entry,
                           GConnectFlags{});
   gtk_native_dialog_show(GTK_NATIVE_DIALOG(chooser));
-  // The entry owns it: a newer chooser, or the end of the window, takes it away.
+  // The entry owns it: the next chooser, or the end of the window, releases it.
   g_object_set_data_full(G_OBJECT(entry), "chooser", chooser, g_object_unref);
 }
 

@@ -21,7 +21,7 @@ struct ConnectionForm {
 
 std::unique_ptr<ConnectionForm> connection_form_new(const Options& options);
 
-// The chosen configuration's path in UTF-8; an emptied field means the ready-made one.
+// The chosen configuration's path in UTF-8; the default one if the field is empty.
 std::string connection_form_config(const ConnectionForm& form);
 
 // Shows what is wrong with the path, until it changes.

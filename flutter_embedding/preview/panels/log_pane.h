@@ -3,6 +3,7 @@
 
 #include <functional>
 #include <memory>
+#include <string>
 #include <string_view>
 
 #include "flutter_embedding/later.h"
@@ -11,18 +12,19 @@
 namespace preview {
 
 // A log that grows. The pane follows its end until a person scrolls up, and again once a person has
-// scrolled down to the end. While it follows, the lines before the last ones are hidden: hidden
-// lines need no layout, which is what a busy log costs most. The widget `text.widget` is floating;
-// the pane has to outlive it. Main thread only.
+// scrolled down to the end. While it follows, the lines before the last ones are hidden, because
+// the layout of lines is most of what a busy log costs. `text.widget` is floating; the pane must
+// outlive it. Main thread only.
 struct LogPane {
   TextPane text;
   Life life;
   std::function<void(bool follows_end)> on_change;
   bool follows_end = true;
-  bool slides_down = false;  // for as long as the view may still move after a person's scrolling
+  bool is_laid_out_anew = false;  // from the showing of hidden lines on until their layout is done
+  int slides_down = 0;            // scrolls down after which the view may still be moving
 };
 
-// `on_change` is told when the pane begins or ends to follow. Nothing happens after `life` ended.
+// `on_change` is called when the pane begins or ends to follow. Nothing happens after `life` ended.
 std::unique_ptr<LogPane> log_pane_new(const char* accessible_name, const Life& life,
                                       std::function<void(bool follows_end)> on_change);
 
@@ -30,6 +32,9 @@ std::unique_ptr<LogPane> log_pane_new(const char* accessible_name, const Life& l
 void log_pane_append(LogPane* pane, std::string_view batch);
 
 void log_pane_clear(LogPane* pane);
+
+// Also what is hidden.
+std::string log_pane_selected_or_all(const LogPane& pane);
 
 void log_pane_go_to_end(LogPane* pane);
 

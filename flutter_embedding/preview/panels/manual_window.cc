@@ -50,7 +50,7 @@ void open_manual(GtkWidget* near, const std::string& heading) {
   gtk_widget_show_all(window);
   auto life = std::make_shared<char>();
   on_signal(window, "destroy", [life]() mutable { life.reset(); });
-  // Where the heading stands is known once the lines before it are laid out.
+  // The heading's position is known once the lines before it are laid out.
   run_when_idle(life, [pane, heading] { scroll_to_heading(pane, heading); });
 }
 

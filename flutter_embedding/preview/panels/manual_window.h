@@ -7,9 +7,9 @@
 
 namespace preview {
 
-// Shows the manual beside the executable in a window of its own above that of `near`, from the
-// heading on that is exactly `heading`; from the beginning when there is no such heading. Main
-// thread only.
+// Opens a window with the manual, which lies beside the executable, scrolled to the heading
+// `heading` or, when there is none, to the beginning. It belongs to the window of the widget
+// `near`. Main thread only.
 void open_manual(GtkWidget* near, const std::string& heading);
 
 }  // namespace preview

@@ -8,7 +8,7 @@ namespace preview {
 namespace {
 
 constexpr char k_source_line[] = "source ~/.config/corvana/proxy.sh";
-// The script takes the variables back in this mode.
+// In this mode the script unsets the variables.
 constexpr char k_no_source_line[] = "此模式下不设置终端环境变量";
 constexpr char k_no_port[] = "配置中没有 mixed 入站端口";
 

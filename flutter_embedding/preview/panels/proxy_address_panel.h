@@ -10,8 +10,8 @@
 
 namespace preview {
 
-// What a person needs to use the proxy by hand. The widget is floating; the panel has to outlive
-// it. Main thread only.
+// The proxy's address, and the command that sets it in a terminal. The widget is floating; the
+// panel has to outlive it. Main thread only.
 struct ProxyAddressPanel {
   GtkWidget* widget;
   GtkLabel* address;

@@ -98,7 +98,7 @@ void status_card_show(const StatusCard& card, const ServiceStatus& status, Proxy
   const Look& look = look_of(status.phase);
   const bool turns = look.icon == nullptr;
   gtk_stack_set_visible_child_name(card.sign, turns ? "spinner" : "image");
-  // A spinner that turns unseen still costs a redraw for every frame.
+  // A hidden spinner that is running still causes a redraw for every frame.
   turns ? gtk_spinner_start(card.spinner) : gtk_spinner_stop(card.spinner);
   if (!turns) gtk_image_set_from_icon_name(card.image, look.icon, GTK_ICON_SIZE_DIALOG);
   for (const char* style_class : {k_plain, k_good, k_bad}) {

@@ -9,7 +9,7 @@
 
 namespace preview {
 
-// The state in a word, a sign and a sentence. The widget is floating; the card has to outlive it.
+// The status as an icon, a title and a hint. The widget is floating; the card has to outlive it.
 // Main thread only.
 struct StatusCard {
   GtkWidget* widget;
@@ -22,7 +22,7 @@ struct StatusCard {
 
 std::unique_ptr<StatusCard> status_card_new();
 
-// `mode` is that of the start.
+// `mode` is the one of the start.
 void status_card_show(const StatusCard& card, const ServiceStatus& status, ProxyMode mode);
 
 }  // namespace preview

@@ -1,6 +1,5 @@
 #include "flutter_embedding/preview/panels/text_pane.h"
 
-#include <algorithm>
 #include <string>
 #include <utility>
 
@@ -14,7 +13,7 @@ constexpr char k_chinese_tag[] = "chinese";
 constexpr char k_warning_tag[] = "warning";
 constexpr char k_error_tag[] = "error";
 
-// What cores and their libraries write near the beginning of a line, with the line's tag.
+// What cores write near the beginning of a line, and the tag of such a line.
 constexpr std::size_t k_level_range = 64;
 constexpr std::pair<const char*, const char*> k_level_marks[] = {
     {"ERROR", k_error_tag},        {"FATAL", k_error_tag},      {"PANIC", k_error_tag},
@@ -51,17 +50,17 @@ const char* level_tag_of(std::string_view line) {
   return nullptr;
 }
 
-void mark_levels(GtkTextBuffer* buffer, int first_line, std::string_view lines) {
-  for (int number = first_line; !lines.empty(); ++number) {
-    const std::size_t length = std::min(lines.find('\n'), lines.size());
-    const char* tag = level_tag_of(lines.substr(0, length));
-    lines.remove_prefix(std::min(length + 1, lines.size()));
-    if (tag == nullptr) continue;
+// By the buffer's own lines: GTK also ends a line at a lone carriage return.
+void mark_levels(GtkTextBuffer* buffer, int first_line) {
+  const int line_count = gtk_text_buffer_get_line_count(buffer);
+  for (int number = first_line; number < line_count; ++number) {
     GtkTextIter start;
     gtk_text_buffer_get_iter_at_line(buffer, &start, number);
     GtkTextIter end = start;
-    gtk_text_iter_forward_to_line_end(&end);
-    gtk_text_buffer_apply_tag_by_name(buffer, tag, &start, &end);
+    if (!gtk_text_iter_ends_line(&end)) gtk_text_iter_forward_to_line_end(&end);
+    g_autofree char* line = gtk_text_iter_get_slice(&start, &end);
+    const char* tag = level_tag_of(line);
+    if (tag != nullptr) gtk_text_buffer_apply_tag_by_name(buffer, tag, &start, &end);
   }
 }
 
@@ -106,7 +105,7 @@ GtkTextView* view_new(const char* accessible_name) {
 TextPane text_pane_new(const char* accessible_name) {
   GtkTextView* view = view_new(accessible_name);
   GtkWidget* scrolled = scrolled_new(GTK_WIDGET(view), accessible_name);
-  // Lines aren't wrapped: that would put hyphens into them, and takes long.
+  // Lines aren't wrapped: wrapping adds hyphens and is slow.
   gtk_scrolled_window_set_policy(GTK_SCROLLED_WINDOW(scrolled), GTK_POLICY_AUTOMATIC,
                                  GTK_POLICY_AUTOMATIC);
   gtk_scrolled_window_set_shadow_type(GTK_SCROLLED_WINDOW(scrolled), GTK_SHADOW_IN);
@@ -116,7 +115,7 @@ TextPane text_pane_new(const char* accessible_name) {
 }
 
 void text_pane_follow_end(const TextPane& pane, std::function<bool()> is_wanted) {
-  // The text's height is known only bit by bit, as lines are laid out; each bit arrives here.
+  // The height grows as lines are laid out; each change is signalled.
   on_signal(pane.position, "changed", [position = pane.position, is_wanted = std::move(is_wanted)] {
     if (is_wanted()) gtk_adjustment_set_value(position, gtk_adjustment_get_upper(position));
   });
@@ -133,7 +132,7 @@ void text_pane_append(const TextPane& pane, std::string_view batch) {
   GtkTextTag* chinese =
       gtk_text_tag_table_lookup(gtk_text_buffer_get_tag_table(buffer), k_chinese_tag);
   gtk_text_buffer_insert_with_tags(buffer, &end, valid, -1, chinese, nullptr);
-  mark_levels(buffer, last_line, valid);
+  mark_levels(buffer, last_line);
   drop_oldest_lines(buffer);
 }
 

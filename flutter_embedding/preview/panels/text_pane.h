@@ -19,17 +19,17 @@ struct TextPane {
 
 TextPane text_pane_new(const char* accessible_name);
 
-// From now on the pane moves to the end of its text whenever the text, or the pane's size, has
-// changed and `is_wanted` says so.
+// Makes the pane go to the end of its text whenever the text's or the pane's size has changed and
+// `is_wanted` returns true.
 void text_pane_follow_end(const TextPane& pane, std::function<bool()> is_wanted);
 
 inline constexpr int k_max_log_lines = 5000;
-// A core that forgets its line feeds must not make the view unusable; the rest of such a line is
-// dropped.
+// The rest of a longer line is dropped: a core that writes no line feeds must not make the view
+// unusable.
 inline constexpr std::size_t k_max_log_line_size = 4096;
 
-// Appends a batch of lines (joined by line feeds, none at the end) and drops the oldest lines beyond
-// the most. Bytes that aren't UTF-8 show as U+FFFD.
+// Appends a batch of lines (joined by line feeds, none at the end) and drops the oldest lines
+// beyond k_max_log_lines. Bytes that aren't UTF-8 show as U+FFFD.
 void text_pane_append(const TextPane& pane, std::string_view batch);
 
 }  // namespace preview

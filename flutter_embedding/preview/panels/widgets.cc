@@ -7,7 +7,7 @@
 namespace preview {
 namespace {
 
-// The theme's own colours, mixed with that of its text: alone they are too pale to read.
+// The theme's colours alone are too pale to read, so they are mixed with that of its text.
 constexpr char k_style[] = R"(
 .preview-title { font-size: 160%; font-weight: bold; }
 .preview-good { color: mix(@success_color, @theme_fg_color, 0.6); }
@@ -79,7 +79,7 @@ void use_chinese_glyphs(GtkWidget* widget) {
 }
 
 void on_signal(gpointer object, const char* signal, std::function<void()> handler) {
-  // Swapped, so that the handler's address comes first whatever the signal brings along.
+  // Swapped, so that the handler comes first, whatever arguments the signal has.
   g_signal_connect_data(object, signal, G_CALLBACK(run_handler), new Handler(std::move(handler)),
                         free_handler, G_CONNECT_SWAPPED);
 }
@@ -111,7 +111,7 @@ GtkWidget* value_label_new(const char* text) {
 void set_value_language(GtkLabel* label, const char* language) {
   g_autoptr(PangoAttrList) attributes = pango_attr_list_new();
   pango_attr_list_insert(attributes, pango_attr_language_new(pango_language_from_string(language)));
-  // A hyphen where a path is wrapped would read as a part of it.
+  // A hyphen in a wrapped path would look like a part of it.
   pango_attr_list_insert(attributes, pango_attr_insert_hyphens_new(FALSE));
   gtk_label_set_attributes(label, attributes);
 }
@@ -150,7 +150,7 @@ GtkWidget* scrolled_new(GtkWidget* content, const char* accessible_name) {
   atk_object_set_name(gtk_widget_get_accessible(scrolled), accessible_name);
   gtk_scrolled_window_set_policy(GTK_SCROLLED_WINDOW(scrolled), GTK_POLICY_NEVER,
                                  GTK_POLICY_AUTOMATIC);
-  // A bar that stays tells that there is more.
+  // A permanent bar shows that there is more.
   gtk_scrolled_window_set_overlay_scrolling(GTK_SCROLLED_WINDOW(scrolled), FALSE);
   gtk_container_add(GTK_CONTAINER(scrolled), content);
   return scrolled;

@@ -36,7 +36,7 @@ void leave(Automation* automation) {
   }
   automation->step = Step::disconnect;
   if (automation->status.core_running) return automation->actions.disconnect();
-  // A task that somebody began meanwhile is waited for.
+  // Otherwise a task is under way that a person has begun meanwhile.
   if (is_settled(automation->status.phase)) close(automation);
 }
 
@@ -61,7 +61,10 @@ void begin_drawing(Automation* automation) {
 void take_first_answer(Automation* automation) {
   if (!automation->options.connect) return begin_drawing(automation);
   automation->step = Step::outcome;
-  if (!automation->actions.connect()) begin_drawing(automation);
+  // Not from inside a notice: connecting gives notices of its own.
+  run_later(0, automation->life, [automation] {
+    if (!automation->actions.connect()) begin_drawing(automation);
+  });
 }
 
 }  // namespace

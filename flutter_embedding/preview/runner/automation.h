@@ -28,12 +28,12 @@ struct AutomationActions {
 std::shared_ptr<Automation> automation_new(const Options& options, const Life& life,
                                            AutomationActions actions);
 
-// To be told of every change of the status.
+// To be called at every change of the status.
 void automation_notice(Automation* automation, const ServiceStatus& status);
 
 // Writes what the widget shows, on its window's background, to a PNG file (name in the file
-// system's encoding). It draws by itself, so nothing needs to be on a screen. Returns why it
-// couldn't, or an empty string. Main thread only.
+// system's encoding). The window needs not be on a screen. Returns why it couldn't, or an empty
+// string. Main thread only.
 std::string write_screenshot(GtkWidget* widget, const std::string& file);
 
 }  // namespace preview

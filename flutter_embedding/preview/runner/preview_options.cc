@@ -11,7 +11,7 @@ namespace {
 
 constexpr std::array<const char*, 3> k_pages = {"connection", "log", "diagnostics"};
 
-// What GLib's parser fills in; it owns nothing of it.
+// What GLib's parser fills in.
 struct RawOptions {
   char* config = nullptr;
   int proxy_mode = static_cast<int>(ProxyMode::set_system_proxy);
@@ -30,7 +30,8 @@ struct RawOptions {
   }
 };
 
-// What is wrong with the words, of which the parser skips the first: elsewhere that is the program.
+// Returns an error message, or an empty string. The parser skips the first word, as a program's
+// name.
 std::string parse_into(RawOptions& raw, std::vector<char*> words) {
   const GOptionEntry entries[] = {
       {"config", 0, 0, G_OPTION_ARG_FILENAME, &raw.config, nullptr, nullptr},
@@ -53,8 +54,8 @@ std::string parse_into(RawOptions& raw, std::vector<char*> words) {
   return count > 1 ? std::string("不认识的参数 ") + rest[1] : "";
 }
 
-// Each option is tried on its own, with the value behind it, so that a wrong one costs only itself.
-// Gives the first complaint. The words are borrowed.
+// Parses each option by itself, with the value behind it, so that a wrong one spoils no other.
+// Returns the first error message, or an empty string.
 std::string parse_each(RawOptions& raw, char** arguments) {
   static char program[] = "corvana";
   std::vector<char*> understood = {program};

@@ -8,7 +8,7 @@ namespace preview {
 enum class ProxyMode { set_system_proxy = 1, no_system_proxy = 4 };
 
 struct Options {
-  std::string config;  // absolute path in UTF-8; empty: the ready-made configuration
+  std::string config;  // absolute path in UTF-8; empty: the default configuration
   ProxyMode proxy_mode = ProxyMode::set_system_proxy;
   bool connect = false;
   std::string page = "connection";  // the name of a page of the stack
@@ -18,13 +18,13 @@ struct Options {
 
 struct ParsedOptions {
   Options options;
-  std::string complaint;  // one line that says what was wrong; empty when nothing was
+  std::string complaint;  // one line about the first error; empty when there is none
 };
 
-// Reads a null-terminated vector that has no program name in front; null is an empty one. A wrong
-// option costs only itself, but one that isn't understood, or that names the connection, leaves the
-// defaults for that and `connect` off: another connection than the one asked for would do harm. Any
-// thread, needs no display.
+// Parses a null-terminated vector that doesn't begin with the program's name; null is an empty one.
+// A wrong option is ignored. If it is unknown or about the connection, all options of the
+// connection keep their defaults and `connect` is off: another connection than the one asked for
+// could do harm. Any thread, needs no display.
 ParsedOptions parse_options(char** arguments);
 
 }  // namespace preview

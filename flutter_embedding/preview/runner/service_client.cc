@@ -12,18 +12,17 @@ struct ServiceClient {
   Life life;
   std::function<void(const ServiceStatus&)> on_change;
   ServiceStatus status;
-  // Counts the tasks; an answer from before the latest one says nothing about it.
+  // The number of the latest task. The answer to an earlier query is ignored.
   unsigned epoch = 0;
   bool task_was_seen = false;  // under way
-  // Answers in a row that the core's presence contradicts, or that say nothing at all.
+  // Successive answers that the core's presence contradicts, or that are missing.
   unsigned contradictions = 0;
 };
 
 namespace {
 
 constexpr unsigned k_busy_poll_milliseconds = 150;
-// Each question makes the host walk through all processes: seldom enough to cost nothing, often
-// enough to be noticed.
+// Each query makes the host look at all processes, so an idle window asks seldom.
 constexpr unsigned k_watch_milliseconds = 2000;
 // About two seconds of busy polling.
 constexpr unsigned k_max_contradictions = 14;
@@ -57,10 +56,12 @@ void set_phase(ServiceClient* client, Phase phase, Failure failure = {}) {
   client->on_change(client->status);
 }
 
+bool waits_for_answer(Phase phase) { return is_busy(phase) || phase == Phase::checking; }
+
 void ask_later(ServiceClient* client) {
   const Phase phase = client->status.phase;
   const bool watches = phase == Phase::connected || phase == Phase::stop_failed;
-  const bool waits = is_busy(phase) || phase == Phase::checking;
+  const bool waits = waits_for_answer(phase);
   if (!waits && !watches) return;
   run_later(waits ? k_busy_poll_milliseconds : k_watch_milliseconds, client->life,
             [client, epoch = client->epoch] {
@@ -84,7 +85,7 @@ void stop(ServiceClient* client);
 
 void fetch_start_failure(ServiceClient* client) {
   call(client, "getLastError", nullptr, [client](const UiReply& reply) {
-    // The core of an earlier start may have gone on.
+    // The core of an earlier start may still be running.
     if (client->status.stop_wanted && client->status.core_running) return stop(client);
     Failure failure = failure_in(reply.value);
     if (failure.message.empty()) failure = k_no_reason;
@@ -92,8 +93,8 @@ void fetch_start_failure(ServiceClient* client) {
   });
 }
 
-// A stop records only that it never ran; any other record, and that one too if the stop was seen to
-// run, is older.
+// A stop records an error only when it never ran. Every other record is older, and so is that one
+// when the stop was seen to run.
 void fetch_stop_failure(ServiceClient* client) {
   call(client, "getLastError", nullptr, [client](const UiReply& reply) {
     const Failure failure = failure_in(reply.value);
@@ -135,10 +136,11 @@ void take_report(ServiceClient* client, const TaskReport& report) {
 
 // One missed answer says nothing about the task, which may still succeed.
 void take_silence(ServiceClient* client) {
-  if (++client->contradictions <= k_max_contradictions) return ask_later(client);
   const Phase now = client->status.phase;
-  const bool began = now == Phase::checking || now == Phase::starting;
-  set_phase(client, began ? Phase::start_failed : Phase::stop_failed, k_no_answer);
+  if (!waits_for_answer(now) || ++client->contradictions <= k_max_contradictions) {
+    return ask_later(client);
+  }
+  set_phase(client, now == Phase::stopping ? Phase::stop_failed : Phase::start_failed, k_no_answer);
 }
 
 void ask(ServiceClient* client) {
@@ -184,7 +186,7 @@ void service_client_connect(ServiceClient* client, const std::string& config, Pr
 void service_client_disconnect(ServiceClient* client) {
   if (client->status.phase == Phase::stopping) return;
   if (client->status.phase != Phase::starting) return stop(client);
-  // A stop beside a running start would make the two outcomes look alike.
+  // The outcome of a stop during a start couldn't be told from that of the start.
   client->status.stop_wanted = true;
   client->on_change(client->status);
 }

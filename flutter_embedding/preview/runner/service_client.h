@@ -30,9 +30,9 @@ struct ServiceStatus {
   Failure failure;            // what went wrong, in the two failed phases
 };
 
-// Starts and stops the proxy through the host and keeps an eye on it. It never has two tasks under
-// way, so that an outcome always belongs to the task that was asked for last. Main thread only;
-// nothing is called after `life` ended.
+// Starts and stops the proxy through the host and polls its status. At most one task is under way,
+// so that an outcome always belongs to the latest task. Main thread only; nothing is called after
+// `life` ended.
 struct ServiceClient;
 
 // `on_change` is called from the main loop whenever the status has changed. Takes a reference on
@@ -41,7 +41,7 @@ std::shared_ptr<ServiceClient> service_client_new(
     FlBinaryMessenger* messenger, const Life& life,
     std::function<void(const ServiceStatus&)> on_change);
 
-// Asks for the first time how things stand.
+// Queries the status for the first time.
 void service_client_check(ServiceClient* client);
 
 // `config` is a path in UTF-8. Does nothing while a task runs.
@@ -50,12 +50,11 @@ void service_client_connect(ServiceClient* client, const std::string& config, Pr
 // Does nothing while a stop runs.
 void service_client_disconnect(ServiceClient* client);
 
-// Shows a failure that the host never heard of, as one of a start.
+// Reports a start that failed before the host was asked.
 void service_client_fail(ServiceClient* client, Failure failure);
 
-// Look a key up in what a channel brought, which may be null or of any type. A missing key or
-// another type than the wanted one gives nothing. Texts come out as valid UTF-8, since widgets
-// refuse any other.
+// Look a key up in a value from a channel, which may be null or of any type. A missing key or a
+// value of another type gives nothing. Strings are made valid UTF-8, which widgets require.
 std::optional<bool> bool_at(FlValue* map, const char* key);
 std::optional<std::string> string_at(FlValue* map, const char* key);
 

@@ -4,14 +4,14 @@
 namespace preview {
 
 enum class Phase {
-  checking,  // the window has just opened and has asked for the first time
+  checking,  // the first query is under way
   disconnected,
   starting,
   connected,
   stopping,
   start_failed,
   stop_failed,
-  lost,  // the core went away although nobody asked for it
+  lost,  // the core ended, and nobody had asked for it
 };
 
 // One answer of checkTaskComplete.
@@ -21,12 +21,12 @@ struct TaskReport {
   bool core_running;
 };
 
-// A task runs, so its outcome is worth asking for several times a second.
+// Whether a task is under way.
 bool is_busy(Phase phase);
 
-// Where an answer leads. While a start or a stop is awaited, an answer can be complete and yet
-// speak of another task, or be a moment ahead of the process table: an outcome that the core's
-// presence contradicts is believed only once `patience_over` is true. Pure.
+// The phase after an answer. During a start or a stop, a complete answer may still be about the
+// task before, or be ahead of the process table. So an outcome that the core's presence contradicts
+// counts only once `patience_over` is true. Pure.
 Phase next_phase(Phase now, const TaskReport& report, bool patience_over);
 
 }  // namespace preview
