@@ -11,7 +11,7 @@ namespace {
 constexpr char k_style[] = R"(
 .preview-title { font-size: 160%; font-weight: bold; }
 .preview-good { color: mix(@success_color, @theme_fg_color, 0.6); }
-.preview-bad { color: mix(@error_color, @theme_fg_color, 0.6); }
+.preview-bad, entry.error { color: mix(@error_color, @theme_fg_color, 0.6); }
 .dim-label { opacity: 0.8; }
 .preview-value { font-size: 90%; }
 )";
