@@ -9,9 +9,9 @@
 using Life = std::weak_ptr<void>;
 
 // Runs the task once from the main loop after about `milliseconds`, unless `life` has ended by
-// then. From 1000 on, whole seconds count, and it may be a second late. Tasks with the same delay
-// run in the order in which they were given. An exception is reported as a GLib critical. Main
-// thread only.
+// then. From 1000 on only whole seconds count, and the task may run up to a second late. Tasks with
+// the same delay run in the order in which they were given. An exception is reported as a GLib
+// critical. Main thread only.
 void run_later(unsigned milliseconds, const Life& life, std::function<void()> task);
 
 // Like run_later, once nothing is left to lay out or to draw.

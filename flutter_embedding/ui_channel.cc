@@ -16,7 +16,7 @@ static UiReply error_reply(FlMethodErrorResponse* response) {
           message == nullptr ? "" : message};
 }
 
-// Its value is borrowed from the response.
+// The reply's value is borrowed from the response.
 static UiReply reply_from(FlMethodResponse* response) {
   if (FL_IS_METHOD_SUCCESS_RESPONSE(response)) {
     FlValue* result = method_success_response_get_result(FL_METHOD_SUCCESS_RESPONSE(response));

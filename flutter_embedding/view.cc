@@ -34,7 +34,7 @@ static void fl_view_dispose(GObject* object) {
   // The content must be destroyed before the engine, which it uses.
   G_OBJECT_CLASS(fl_view_parent_class)->dispose(object);
   self->content = nullptr;
-  // Also closes an engine on which somebody else still holds a reference.
+  // Also closes an engine that is still referenced elsewhere.
   if (self->engine != nullptr) g_object_run_dispose(G_OBJECT(self->engine));
   g_clear_object(&self->engine);
   g_clear_object(&self->project);

@@ -43,7 +43,7 @@ void fl_method_channel_set_method_call_handler(FlMethodChannel* self,
     messenger_set_handler(self->messenger, self->name, nullptr);
     return;
   }
-  // The reference in here is the one that keeps the channel alive while its handler is installed.
+  // The handler's reference keeps the channel alive.
   messenger_set_handler(self->messenger, self->name,
                         [channel = share_object(self), handler, shared_data](
                             GBytes* message, std::unique_ptr<PendingReply> reply) {

@@ -1,4 +1,4 @@
-// Hold a reference on one of GLib's objects, for captures and members. The last copy releases it.
+// Shared pointers that hold a reference on a GLib object.
 
 #ifndef CORVANA_FLUTTER_EMBEDDING_CHANNELS_REFERENCES_H_
 #define CORVANA_FLUTTER_EMBEDDING_CHANNELS_REFERENCES_H_
@@ -17,7 +17,7 @@ inline std::shared_ptr<GBytes> share_bytes(GBytes* bytes) {
   return {bytes == nullptr ? nullptr : g_bytes_ref(bytes), g_bytes_unref};
 }
 
-// Calls `destroy`, when there is one, with the last reference, also for null data.
+// Calls `destroy`, if given, when the last copy goes, also for null data.
 inline std::shared_ptr<void> share_user_data(gpointer user_data, GDestroyNotify destroy) {
   return {user_data, [destroy](gpointer data) {
             if (destroy != nullptr) destroy(data);

@@ -94,7 +94,7 @@ ValueRef read_number_list(MessageReader& reader, GError** error) {
   return value_new(std::move(numbers));
 }
 
-// The announced count may be false, so nothing is reserved: lists and maps grow as they are read.
+// The announced count may be wrong, so nothing is reserved: lists and maps grow as they are read.
 ValueRef read_list(MessageReader& reader, int depth, GError** error) {
   size_t count = 0;
   if (!read_size(reader, &count, error)) return nullptr;

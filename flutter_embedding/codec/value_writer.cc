@@ -10,7 +10,7 @@ constexpr WireType wire_type_of(const std::vector<int64_t>&) { return WireType::
 constexpr WireType wire_type_of(const std::vector<double>&) { return WireType::float64_list; }
 constexpr WireType wire_type_of(const std::vector<float>&) { return WireType::float32_list; }
 
-// Writes one value. Another one, a level deeper, writes each nested value.
+// Writes one value. Each nested value gets a writer of its own, one level deeper.
 struct ValueWriter {
   std::vector<uint8_t>& message;
   GError** error;

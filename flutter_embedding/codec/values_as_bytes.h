@@ -51,7 +51,7 @@ inline constexpr uint8_t k_four_byte_size_mark = 255;
 // the stack.
 inline constexpr int k_max_nesting = 128;
 
-// A borrowed message, and how much of it has been read. Sizes in it may be false; each is checked
+// A borrowed message, and how much of it has been read. Sizes in it may be wrong; each is checked
 // against what is left.
 struct MessageReader {
   const uint8_t* bytes;

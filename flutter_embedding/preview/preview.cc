@@ -14,14 +14,15 @@
 namespace preview {
 namespace {
 
-constexpr int k_max_width = 600;
+constexpr int k_max_width = 600;  // longer lines of text are hard to read
 constexpr char k_preview[] = "preview";
 
 struct Preview {
   Options options;
   GtkWidget* root = nullptr;
   GtkStack* pages = nullptr;
-  // Ends when the root is destroyed. The other members stay until its last signals are handled.
+  // Ends when the root is destroyed. The other members last until the root is finalized, because
+  // signals may still arrive until then.
   std::shared_ptr<void> life = std::make_shared<char>();
   std::shared_ptr<ServiceClient> client;
   std::shared_ptr<ConnectionPage> connection;
@@ -83,6 +84,14 @@ void make_pages(Preview* preview, FlBinaryMessenger* messenger) {
                        "diagnostics", "诊断");
 }
 
+// What had the focus when its page was left may be hidden or insensitive now.
+void keep_focus(const Preview& preview) {
+  GtkWidget* window = gtk_widget_get_toplevel(preview.root);
+  GtkWidget* focus = GTK_IS_WINDOW(window) ? gtk_window_get_focus(GTK_WINDOW(window)) : nullptr;
+  if (focus != nullptr && gtk_widget_get_mapped(focus) && gtk_widget_is_sensitive(focus)) return;
+  gtk_widget_child_focus(gtk_stack_get_visible_child(preview.pages), GTK_DIR_TAB_FORWARD);
+}
+
 void make_root(Preview* preview) {
   GtkWidget* switcher = gtk_stack_switcher_new();
   gtk_stack_switcher_set_stack(GTK_STACK_SWITCHER(switcher), preview->pages);
@@ -99,6 +108,8 @@ void make_root(Preview* preview) {
   gtk_stack_set_visible_child_name(preview->pages, preview->options.page.c_str());
   g_object_set_data_full(G_OBJECT(preview->root), k_preview, preview, free_preview);
   on_signal(preview->root, "destroy", [preview] { preview->life.reset(); });
+  on_signal(preview->pages, "notify::visible-child",
+            [preview] { run_when_idle(preview->life, [preview] { keep_focus(*preview); }); });
 }
 
 void turn_page(Preview* preview, bool forward) {
@@ -141,7 +152,6 @@ gboolean on_key(GtkWidget*, GdkEventKey* event, gpointer root) {
   return taken ? GDK_EVENT_STOP : GDK_EVENT_PROPAGATE;
 }
 
-// Lines of text that are longer than this are hard to read.
 void limit_width(Preview* preview) {
   const int surplus = gtk_widget_get_allocated_width(preview->root) - k_max_width;
   const int margin = MAX(surplus / 2, 0);

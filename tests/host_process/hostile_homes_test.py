@@ -27,8 +27,8 @@ HOMES = {
     "full": """exec unshare --user --map-root-user --mount sh -c '
         mount -t tmpfs -o size=64k none $HOME && ! head -c 1M /dev/zero >$HOME/filler &&
         "$0" "$@" --quit >../first && grep -q 已设置系统代理 ../first && rm $HOME/filler && exec "$0" "$@"' "$0" "$@" """,
-    # The shell can't open the core's log, so no core is started. Which of the two failures that is depends on how long
-    # the probe sees the shell that was to become the core.
+    # The shell can't open the core's log, so no core starts. Which failure is reported depends on whether the probe
+    # still sees the shell.
     "log dangles": "dangle .local/share/Corvana/run/runtime.log",
 }
 

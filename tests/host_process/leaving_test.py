@@ -1,4 +1,4 @@
-"""Whatever the way out and the moment, the host leaves neither a proxy nor a core behind."""
+"""However and whenever it is ended, the host leaves neither a proxy nor a core behind."""
 import os
 import pathlib
 import random
@@ -116,7 +116,7 @@ class Leaving(host.HostTest):
             for slow in False, True:
                 for index, (phase, lengths) in enumerate(PHASES.items()):
                     moment = (part + chance.random()) / parts * lengths[slow]
-                    # The short form takes slow tools at two phases and fast ones at the third, by turns.
+                    # The short form runs each phase once: one with fast tools, which one depends on `number`.
                     if not host.LONG and slow == (index == 1 + number % 2):
                         continue
                     with self.subTest(phase=phase, slow=slow, moment=moment):
@@ -170,7 +170,7 @@ class Leaving(host.HostTest):
                 if process.has_ended():
                     break
                 ask_group(process, signal.SIGINT)
-                # Uneven, so as not to keep step with the host.
+                # Random, so that signals reach the host at different points.
                 time.sleep(chance.uniform(0.0005, 0.0015))
             self.check_end(process, (0, -signal.SIGINT))
             self.assertIn("收到退出信号", process.console())

@@ -19,7 +19,7 @@ LOGINS = {
     "with a dangling link": (f"ln -sf /nowhere {DROPIN}", ""),
     "without a session bus": ("rm bin/gsettings", CLEARED),
     "with a hung tool": ("printf '#!/bin/sh\\nsleep 1000' >bin/gsettings", CLEARED),
-    # Each of the two waits in its first command for the other one's.
+    # Each runs its first command until the other has started its own.
     "twice at once": ("printf '#!/bin/sh\n: >at-$PPID; until [ $(ls at-* | wc -l) -gt 1 ]; do sleep 0.01; done'"
                       " >bin/gsettings; \"$0\" & \"$0\"; wait", 2 * CLEARED),
 }

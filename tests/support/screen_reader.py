@@ -1,4 +1,4 @@
-"""Reads a window as a screen reader does, over AT-SPI's protocol. Each look at the window asks it anew."""
+"""Reads a window as a screen reader does, over AT-SPI's protocol. Only a node's states are cached."""
 from gi.repository import Gio, GLib
 
 # Numbers of the protocol.
@@ -9,7 +9,7 @@ BUS_FLAGS = Gio.DBusConnectionFlags.AUTHENTICATION_CLIENT | Gio.DBusConnectionFl
 
 
 def call(bus, owner, path, method, types="()", *values):
-    """The results of a method that is named with its interface; a single one by itself."""
+    """Calls the method interface.method. Returns its result, or a tuple of several."""
     interface, _, name = method.rpartition(".")
     arguments = GLib.Variant(types, values)
     results = bus.call_sync(owner, path, interface, name, arguments, None, Gio.DBusCallFlags.NONE, 30_000).unpack()
@@ -66,12 +66,12 @@ class Node:
         return [Node(self.place[0], *targets[0]) for kind, targets in relations if kind == LABELLED_BY]
 
     def spoken(self):
-        """The role and the name, which is that of its label where it has one."""
+        """The role and the name; the label's name when there is a label."""
         named = (self.labels() or [self])[0]
         return f"{self.call('Accessible.GetRoleName')} {named.get('Accessible', 'Name')}"
 
     def seen(self):
-        """This and what is in it, as far as it is on the screen, in reading order."""
+        """This node and what is in it, as far as it is showing, in reading order."""
         self.states = self.call("Accessible.GetState")[0]
         if self.has("showing"):
             yield self

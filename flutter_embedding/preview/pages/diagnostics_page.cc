@@ -82,7 +82,7 @@ std::string text_of(const std::vector<DiagnosticsRow>& rows) {
   return text;
 }
 
-// The host's answer blocks the main thread for a while, so the page's fading in must be over first.
+// The host's answer blocks the main thread for a while, so the page's fade-in must have ended.
 constexpr unsigned k_paint_milliseconds = 300;
 
 std::vector<GtkWidget*> row_new(const DiagnosticsRow& row) {

@@ -22,7 +22,7 @@ std::shared_ptr<DiagnosticsPage> diagnostics_page_new(FlBinaryMessenger* messeng
 // Floating until a container takes it.
 GtkWidget* diagnostics_page_widget(const DiagnosticsPage& page);
 
-// Whether the report, or that it failed, is shown.
+// Whether the report, or the note that it couldn't be fetched, is shown.
 bool diagnostics_page_is_loaded(const DiagnosticsPage& page);
 
 }  // namespace preview

@@ -19,7 +19,7 @@ struct LogPage {
   GtkWidget* searched_text = nullptr;
   GtkWidget* empty_note = nullptr;
   GtkLabel* line_count = nullptr;
-  GtkWidget* to_end = nullptr;  // there only while the pane doesn't follow
+  GtkWidget* to_end = nullptr;  // visible only while the pane doesn't follow
 };
 
 namespace {
@@ -28,13 +28,11 @@ constexpr char k_channel[] = "com.corvana.channel/log_stream";
 constexpr std::string_view k_clear_event = "__clear__";
 
 void show_line_count(LogPage* page) {
-  GtkTextBuffer* buffer = page->pane->text.buffer;
-  const bool empty = gtk_text_buffer_get_char_count(buffer) == 0;
-  const int lines = empty ? 0 : gtk_text_buffer_get_line_count(buffer);
+  const size_t lines = page->pane->lines.size();
   std::string text = std::to_string(lines) + " 行";
   if (lines == k_max_log_lines) text += "（最新部分）";
   gtk_label_set_text(page->line_count, text.c_str());
-  gtk_widget_set_visible(page->empty_note, empty);
+  gtk_widget_set_visible(page->empty_note, lines == 0);
 }
 
 void clear(LogPage* page) {
@@ -50,10 +48,12 @@ void take_event(LogPage* page, FlValue* event) {
   show_line_count(page);
 }
 
+void focus_log(LogPage* page) { gtk_widget_grab_focus(GTK_WIDGET(page->pane->text.view)); }
+
 GtkWidget* pane_new(LogPage* page) {
   page->pane = log_pane_new("核心日志", page->life, [page](bool follows_end) {
-    // A hidden button would take the focus with it.
-    if (gtk_widget_is_focus(page->to_end)) gtk_widget_grab_focus(GTK_WIDGET(page->pane->text.view));
+    // Hiding the focused button would leave the window without a focus.
+    if (gtk_widget_is_focus(page->to_end)) focus_log(page);
     gtk_widget_set_visible(page->to_end, !follows_end);
   });
   page->empty_note = gtk_label_new("还没有日志，连接后在这里显示核心的输出");
@@ -82,6 +82,7 @@ GtkWidget* search_bar_new(LogPage* page) {
   for (const char* next : {"activate", "next-match"}) {
     on_signal(entry, next, [=] { look_for(page, GTK_ENTRY(entry), true); });
   }
+  on_signal(entry, "stop-search", [page] { focus_log(page); });
   GtkWidget* bar = gtk_search_bar_new();
   page->search = GTK_SEARCH_BAR(bar);
   gtk_container_add(GTK_CONTAINER(bar), entry);

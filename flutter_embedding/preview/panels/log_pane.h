@@ -1,8 +1,10 @@
 #ifndef CORVANA_FLUTTER_EMBEDDING_PREVIEW_PANELS_LOG_PANE_H_
 #define CORVANA_FLUTTER_EMBEDDING_PREVIEW_PANELS_LOG_PANE_H_
 
+#include <deque>
 #include <functional>
 #include <memory>
+#include <optional>
 #include <string>
 #include <string_view>
 
@@ -11,35 +13,42 @@
 
 namespace preview {
 
-// A log that grows. The pane follows its end until a person scrolls up, and again once a person has
-// scrolled down to the end. While it follows, the lines before the last ones are hidden, because
-// the layout of lines is most of what a busy log costs. `text.widget` is floating; the pane must
-// outlive it. Main thread only.
+// A log that grows. The pane follows its end, and shows only the last lines then: the layout of
+// lines is most of what a busy log costs. It stops when the user scrolls up, selects or finds
+// something. From then on its text stays as it is, with the earlier lines above, until the user
+// has scrolled down to its end. `text.widget` is floating; the pane must outlive it. Main thread
+// only.
 struct LogPane {
+  enum class State { follows, stopped, scrolled_away };
+
   TextPane text;
   Life life;
   std::function<void(bool follows_end)> on_change;
-  bool follows_end = true;
-  bool is_laid_out_anew = false;  // from the showing of hidden lines on until their layout is done
-  int slides_down = 0;            // scrolls down after which the view may still be moving
+  std::deque<std::string> lines;  // all of the log, up to k_max_log_lines
+  size_t later_lines = 0;         // how many of them came after those that the stopped pane shows
+  State state = State::follows;
+  std::optional<double> held_from_end = 0;  // where the view stays while lines get their heights
+  bool is_check_pending = false;
+  unsigned moves = 0;  // counts the checks that found the pane away from its end
 };
 
-// `on_change` is called when the pane begins or ends to follow. Nothing happens after `life` ended.
+// `on_change` is called when the pane begins or stops to follow. Nothing happens after `life` ended.
 std::unique_ptr<LogPane> log_pane_new(const char* accessible_name, const Life& life,
                                       std::function<void(bool follows_end)> on_change);
 
-// Appends as text_pane_append does.
+// Takes lines as text_pane_append does.
 void log_pane_append(LogPane* pane, std::string_view batch);
 
 void log_pane_clear(LogPane* pane);
 
-// Also what is hidden.
+// The selected text or, when nothing is selected, all lines.
 std::string log_pane_selected_or_all(const LogPane& pane);
 
 void log_pane_go_to_end(LogPane* pane);
 
-// Selects the text, in any letter case, from the selection on or behind it, and then from the
-// beginning, and shows it. False when there is none.
+// Searches all lines for the text, in any letter case, from the start of the selection (from its
+// end if `behind_selection`) and then from the beginning. Selects the match and scrolls to it.
+// False when there is none.
 bool log_pane_find(LogPane* pane, const char* text, bool behind_selection);
 
 }  // namespace preview

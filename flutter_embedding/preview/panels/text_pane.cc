@@ -1,5 +1,6 @@
 #include "flutter_embedding/preview/panels/text_pane.h"
 
+#include <algorithm>
 #include <string>
 #include <utility>
 
@@ -36,10 +37,13 @@ std::string with_cut_lines(std::string_view text) {
     } else {
       result.append(line);
     }
-    if (line_feed == std::string_view::npos) return result;
+    if (line_feed == std::string_view::npos) break;
     result.push_back('\n');
     text.remove_prefix(line_feed + 1);
   }
+  // GTK would end a line there too.
+  std::replace(result.begin(), result.end(), '\r', ' ');
+  return result;
 }
 
 const char* level_tag_of(std::string_view line) {
@@ -50,10 +54,8 @@ const char* level_tag_of(std::string_view line) {
   return nullptr;
 }
 
-// By the buffer's own lines: GTK also ends a line at a lone carriage return.
-void mark_levels(GtkTextBuffer* buffer, int first_line) {
-  const int line_count = gtk_text_buffer_get_line_count(buffer);
-  for (int number = first_line; number < line_count; ++number) {
+void mark_levels(GtkTextBuffer* buffer, int first_line, int last_line) {
+  for (int number = first_line; number <= last_line; ++number) {
     GtkTextIter start;
     gtk_text_buffer_get_iter_at_line(buffer, &start, number);
     GtkTextIter end = start;
@@ -64,8 +66,17 @@ void mark_levels(GtkTextBuffer* buffer, int first_line) {
   }
 }
 
-void drop_oldest_lines(GtkTextBuffer* buffer) {
-  const int surplus = gtk_text_buffer_get_line_count(buffer) - k_max_log_lines;
+void insert_lines(GtkTextBuffer* buffer, GtkTextIter* place, const std::string& lines) {
+  g_autofree char* valid = g_utf8_make_valid(lines.data(), static_cast<gssize>(lines.size()));
+  GtkTextTag* chinese =
+      gtk_text_tag_table_lookup(gtk_text_buffer_get_tag_table(buffer), k_chinese_tag);
+  const int first_line = gtk_text_iter_get_line(place);
+  gtk_text_buffer_insert_with_tags(buffer, place, valid, -1, chinese, nullptr);
+  mark_levels(buffer, first_line, gtk_text_iter_get_line(place));
+}
+
+void drop_oldest_lines(GtkTextBuffer* buffer, int max_lines) {
+  const int surplus = gtk_text_buffer_get_line_count(buffer) - max_lines;
   if (surplus <= 0) return;
   GtkTextIter start;
   GtkTextIter first_kept;
@@ -121,19 +132,28 @@ void text_pane_follow_end(const TextPane& pane, std::function<bool()> is_wanted)
   });
 }
 
-void text_pane_append(const TextPane& pane, std::string_view batch) {
+void text_pane_append(const TextPane& pane, std::string_view lines, int max_lines) {
   GtkTextBuffer* buffer = pane.buffer;
-  std::string lines = with_cut_lines(batch);
-  if (gtk_text_buffer_get_char_count(buffer) > 0) lines.insert(lines.begin(), '\n');
-  g_autofree char* valid = g_utf8_make_valid(lines.data(), static_cast<gssize>(lines.size()));
-  GtkTextIter end;
+  GtkTextIter start, end;
+  const bool is_selected = gtk_text_buffer_get_selection_bounds(buffer, &start, &end);
+  const int selected_from = gtk_text_iter_get_offset(&start);
+  const int selected_to = gtk_text_iter_get_offset(&end);
   gtk_text_buffer_get_end_iter(buffer, &end);
-  const int last_line = gtk_text_iter_get_line(&end);
-  GtkTextTag* chinese =
-      gtk_text_tag_table_lookup(gtk_text_buffer_get_tag_table(buffer), k_chinese_tag);
-  gtk_text_buffer_insert_with_tags(buffer, &end, valid, -1, chinese, nullptr);
-  mark_levels(buffer, last_line);
-  drop_oldest_lines(buffer);
+  const bool is_empty = gtk_text_buffer_get_char_count(buffer) == 0;
+  insert_lines(buffer, &end, (is_empty ? "" : "\n") + with_cut_lines(lines));
+  if (is_selected) {
+    // A selection that ends at the end would have grown.
+    gtk_text_buffer_get_iter_at_offset(buffer, &start, selected_from);
+    gtk_text_buffer_get_iter_at_offset(buffer, &end, selected_to);
+    gtk_text_buffer_select_range(buffer, &start, &end);
+  }
+  drop_oldest_lines(buffer, max_lines);
+}
+
+void text_pane_prepend(const TextPane& pane, std::string_view lines) {
+  GtkTextIter start;
+  gtk_text_buffer_get_start_iter(pane.buffer, &start);
+  insert_lines(pane.buffer, &start, with_cut_lines(lines) + "\n");
 }
 
 }  // namespace preview

@@ -23,14 +23,16 @@ TextPane text_pane_new(const char* accessible_name);
 // `is_wanted` returns true.
 void text_pane_follow_end(const TextPane& pane, std::function<bool()> is_wanted);
 
-inline constexpr int k_max_log_lines = 5000;
+inline constexpr std::size_t k_max_log_lines = 5000;
 // The rest of a longer line is dropped: a core that writes no line feeds must not make the view
 // unusable.
 inline constexpr std::size_t k_max_log_line_size = 4096;
 
-// Appends a batch of lines (joined by line feeds, none at the end) and drops the oldest lines
-// beyond k_max_log_lines. Bytes that aren't UTF-8 show as U+FFFD.
-void text_pane_append(const TextPane& pane, std::string_view batch);
+// Both insert lines (joined by line feeds, none at the end). Bytes that aren't UTF-8 show as U+FFFD.
+// What is selected stays selected. Appending drops the oldest lines beyond `max_lines`.
+void text_pane_append(const TextPane& pane, std::string_view lines,
+                      int max_lines = k_max_log_lines);
+void text_pane_prepend(const TextPane& pane, std::string_view lines);
 
 }  // namespace preview
 

@@ -36,7 +36,7 @@ void leave(Automation* automation) {
   }
   automation->step = Step::disconnect;
   if (automation->status.core_running) return automation->actions.disconnect();
-  // Otherwise a task is under way that a person has begun meanwhile.
+  // Otherwise the user has started a task; its end closes the window.
   if (is_settled(automation->status.phase)) close(automation);
 }
 
@@ -61,7 +61,7 @@ void begin_drawing(Automation* automation) {
 void take_first_answer(Automation* automation) {
   if (!automation->options.connect) return begin_drawing(automation);
   automation->step = Step::outcome;
-  // Not from inside a notice: connecting gives notices of its own.
+  // Not from here, because connecting calls automation_notice().
   run_later(0, automation->life, [automation] {
     if (!automation->actions.connect()) begin_drawing(automation);
   });
@@ -96,8 +96,8 @@ void automation_notice(Automation* automation, const ServiceStatus& status) {
 
 std::string write_screenshot(GtkWidget* widget, const std::string& file) {
   GtkWidget* window = gtk_widget_get_toplevel(widget);
-  // Without a compositor's ticks a late change may not have been laid out yet, and GTK draws
-  // nothing then.
+  // Without a compositor's frames a late change may not be laid out yet, and GTK would draw
+  // nothing.
   gtk_container_check_resize(GTK_CONTAINER(window));
   const int width = gtk_widget_get_allocated_width(widget);
   const int height = gtk_widget_get_allocated_height(widget);

@@ -13,14 +13,14 @@
 
 namespace preview {
 
-// What the options ask the window to do by itself, in this order: connect, wait for the outcome,
-// take the picture, disconnect, close. Main thread only.
+// Carries out the options: connects, waits for the outcome, takes the picture, disconnects, closes.
+// Main thread only.
 struct Automation;
 
 struct AutomationActions {
   std::function<bool()> connect;  // false: it didn't begin, so no outcome will come
   std::function<void()> disconnect;
-  std::function<bool()> is_drawn;  // the shown page has what it waits for, and nothing moves
+  std::function<bool()> is_drawn;  // the page's content has arrived and no animation runs
   std::function<void()> take_screenshot;
   std::function<void()> close;
 };
@@ -32,7 +32,7 @@ std::shared_ptr<Automation> automation_new(const Options& options, const Life& l
 void automation_notice(Automation* automation, const ServiceStatus& status);
 
 // Writes what the widget shows, on its window's background, to a PNG file (name in the file
-// system's encoding). The window needs not be on a screen. Returns why it couldn't, or an empty
+// system's encoding). The window need not be on a screen. Returns why it couldn't, or an empty
 // string. Main thread only.
 std::string write_screenshot(GtkWidget* widget, const std::string& file);
 

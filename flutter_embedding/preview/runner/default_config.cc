@@ -18,7 +18,7 @@ std::string default_config_dir() {
   return absolute;
 }
 
-// A device or a pipe would keep the window from answering.
+// Reading a device or a pipe could block the window.
 bool is_small_regular_file(const std::string& path) {
   GStatBuf status;
   return g_stat(path.c_str(), &status) == 0 && S_ISREG(status.st_mode) &&
@@ -45,8 +45,8 @@ std::string default_config_path() {
 }
 
 std::string default_config_text() {
-  // Ordered: the host takes the first listen_port behind the inbound's type, so the type has to
-  // come first.
+  // Ordered: the host takes the first listen_port after the inbound's type, so the type has to come
+  // first.
   nlohmann::ordered_json inbound = {
       {"type", "mixed"}, {"tag", "mixed-in"}, {"listen", "127.0.0.1"}, {"listen_port", 7890}};
   nlohmann::ordered_json config;
@@ -78,7 +78,7 @@ std::string find_fault_in_config(const std::string& path) {
   if (!is_small_regular_file(path)) return {};
   g_autofree char* text = nullptr;
   if (!g_file_get_contents(path.c_str(), &text, nullptr, nullptr)) return {};
-  // Cores also take comments, and other things that JSON has not.
+  // Cores also accept comments and other extensions.
   const char* first = text + strspn(text, " \t\r\n");
   return *first == '{' || *first == '/' ? "" : "这不是 JSON 配置文件，请另选一个";
 }

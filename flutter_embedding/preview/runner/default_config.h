@@ -16,15 +16,15 @@ std::string default_config_text();
 // Returns an error message, or an empty string.
 std::string ensure_default_config();
 
-// Says to the user that a path is a folder or that a file isn't JSON. Empty when neither is the
-// case, and when the file can't be read, which the host reports.
+// A message for the user when the path is a folder or the file isn't JSON. Otherwise empty, also
+// when the file can't be read: the host reports that.
 std::string find_fault_in_config(const std::string& path);
 
 // The port of the first mixed inbound in a configuration's text; nothing when the text isn't JSON
 // or has no such port.
 std::optional<int> mixed_port_of(const std::string& text);
 
-// The same for a file. The default configuration needs not exist yet; otherwise anything but a
+// The same for a file. The default configuration need not exist yet; otherwise anything but a
 // readable regular file of at most 4 MiB gives nothing.
 std::optional<int> mixed_port_of_file(const std::string& path);
 

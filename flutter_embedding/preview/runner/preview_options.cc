@@ -54,8 +54,8 @@ std::string parse_into(RawOptions& raw, std::vector<char*> words) {
   return count > 1 ? std::string("不认识的参数 ") + rest[1] : "";
 }
 
-// Parses each option by itself, with the value behind it, so that a wrong one spoils no other.
-// Returns the first error message, or an empty string.
+// Parses each option by itself, with the value behind it, so that a wrong one doesn't affect the
+// others. Returns the first error message, or an empty string.
 std::string parse_each(RawOptions& raw, char** arguments) {
   static char program[] = "corvana";
   std::vector<char*> understood = {program};

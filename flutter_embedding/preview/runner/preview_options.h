@@ -22,9 +22,9 @@ struct ParsedOptions {
 };
 
 // Parses a null-terminated vector that doesn't begin with the program's name; null is an empty one.
-// A wrong option is ignored. If it is unknown or about the connection, all options of the
-// connection keep their defaults and `connect` is off: another connection than the one asked for
-// could do harm. Any thread, needs no display.
+// A wrong option is ignored. Unless it is only an unknown page, all options of the connection keep
+// their defaults and `connect` is off, because another connection than the one asked for could do
+// harm. Any thread, needs no display.
 ParsedOptions parse_options(char** arguments);
 
 }  // namespace preview

@@ -14,15 +14,15 @@ struct ServiceClient {
   ServiceStatus status;
   // The number of the latest task. The answer to an earlier query is ignored.
   unsigned epoch = 0;
-  bool task_was_seen = false;  // under way
-  // Successive answers that the core's presence contradicts, or that are missing.
+  bool task_was_seen = false;  // an answer has reported this task as running
+  // Consecutive answers that the core's presence contradicts, or that are missing.
   unsigned contradictions = 0;
 };
 
 namespace {
 
 constexpr unsigned k_busy_poll_milliseconds = 150;
-// Each query makes the host look at all processes, so an idle window asks seldom.
+// Each query makes the host read the whole process table, so an idle window asks rarely.
 constexpr unsigned k_watch_milliseconds = 2000;
 // About two seconds of busy polling.
 constexpr unsigned k_max_contradictions = 14;
@@ -93,8 +93,8 @@ void fetch_start_failure(ServiceClient* client) {
   });
 }
 
-// A stop records an error only when it never ran. Every other record is older, and so is that one
-// when the stop was seen to run.
+// A stop records an error only when its thread couldn't be started. Any other error is from an
+// earlier task; so is this one when an answer has reported the stop as running.
 void fetch_stop_failure(ServiceClient* client) {
   call(client, "getLastError", nullptr, [client](const UiReply& reply) {
     const Failure failure = failure_in(reply.value);
@@ -108,8 +108,7 @@ void stop(ServiceClient* client) {
   begin_task(client, Phase::stopping);
   // The answer to stopVPN is false also when all goes well, so only its arrival counts.
   call(client, "stopVPN", nullptr, [client](const UiReply& reply) {
-    if (reply.kind != UiReply::Kind::success)
-      return set_phase(client, Phase::stop_failed, k_no_answer);
+    if (reply.kind != UiReply::Kind::success) set_phase(client, Phase::stop_failed, k_no_answer);
     ask_later(client);
   });
 }
@@ -141,6 +140,7 @@ void take_silence(ServiceClient* client) {
     return ask_later(client);
   }
   set_phase(client, now == Phase::stopping ? Phase::stop_failed : Phase::start_failed, k_no_answer);
+  ask_later(client);
 }
 
 void ask(ServiceClient* client) {
@@ -186,7 +186,7 @@ void service_client_connect(ServiceClient* client, const std::string& config, Pr
 void service_client_disconnect(ServiceClient* client) {
   if (client->status.phase == Phase::stopping) return;
   if (client->status.phase != Phase::starting) return stop(client);
-  // The outcome of a stop during a start couldn't be told from that of the start.
+  // The answers don't tell which of two tasks has ended, so the stop waits for the start's end.
   client->status.stop_wanted = true;
   client->on_change(client->status);
 }

@@ -26,7 +26,7 @@ struct ServiceStatus {
   Phase phase = Phase::checking;
   bool core_running = false;
   bool stop_wanted = false;   // asked for while a start runs; carried out when that start has ended
-  bool started_here = false;  // the core that is connected, by this window
+  bool started_here = false;  // this window has started the connected core
   Failure failure;            // what went wrong, in the two failed phases
 };
 
@@ -35,7 +35,7 @@ struct ServiceStatus {
 // `life` ended.
 struct ServiceClient;
 
-// `on_change` is called from the main loop whenever the status has changed. Takes a reference on
+// `on_change` is called whenever the status has changed, also from inside the functions below. Takes a reference on
 // the messenger.
 std::shared_ptr<ServiceClient> service_client_new(
     FlBinaryMessenger* messenger, const Life& life,

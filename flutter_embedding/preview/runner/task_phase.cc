@@ -3,17 +3,17 @@
 namespace preview {
 namespace {
 
-Phase after_start(const TaskReport& report, bool patience_over) {
+Phase after_start(const TaskReport& report, bool timed_out) {
   if (!report.is_complete) return Phase::starting;
   if (!report.task_result) return Phase::start_failed;
   if (report.core_running) return Phase::connected;
-  return patience_over ? Phase::lost : Phase::starting;
+  return timed_out ? Phase::lost : Phase::starting;
 }
 
-Phase after_stop(const TaskReport& report, bool patience_over) {
+Phase after_stop(const TaskReport& report, bool timed_out) {
   if (!report.is_complete) return Phase::stopping;
   if (!report.core_running) return Phase::disconnected;
-  if (!report.task_result || patience_over) return Phase::stop_failed;
+  if (!report.task_result || timed_out) return Phase::stop_failed;
   return Phase::stopping;
 }
 
@@ -21,12 +21,12 @@ Phase after_stop(const TaskReport& report, bool patience_over) {
 
 bool is_busy(Phase phase) { return phase == Phase::starting || phase == Phase::stopping; }
 
-Phase next_phase(Phase now, const TaskReport& report, bool patience_over) {
+Phase next_phase(Phase now, const TaskReport& report, bool timed_out) {
   switch (now) {
     case Phase::starting:
-      return after_start(report, patience_over);
+      return after_start(report, timed_out);
     case Phase::stopping:
-      return after_stop(report, patience_over);
+      return after_stop(report, timed_out);
     case Phase::connected:
       return report.core_running ? Phase::connected : Phase::lost;
     case Phase::checking:

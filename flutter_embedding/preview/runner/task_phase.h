@@ -11,7 +11,7 @@ enum class Phase {
   stopping,
   start_failed,
   stop_failed,
-  lost,  // the core ended, and nobody had asked for it
+  lost,  // the core ended without a stop
 };
 
 // One answer of checkTaskComplete.
@@ -24,10 +24,10 @@ struct TaskReport {
 // Whether a task is under way.
 bool is_busy(Phase phase);
 
-// The phase after an answer. During a start or a stop, a complete answer may still be about the
-// task before, or be ahead of the process table. So an outcome that the core's presence contradicts
-// counts only once `patience_over` is true. Pure.
-Phase next_phase(Phase now, const TaskReport& report, bool patience_over);
+// The phase after an answer. During a start or a stop, a complete answer may be about the task
+// before, or the process table may not show the change yet. So a success that the core's presence
+// contradicts counts only when `timed_out` is true. Pure.
+Phase next_phase(Phase now, const TaskReport& report, bool timed_out);
 
 }  // namespace preview
 
