@@ -32,7 +32,8 @@ struct LogPane {
   unsigned moves = 0;  // counts the checks that found the pane away from its end
 };
 
-// `on_change` is called when the pane begins or stops to follow. Nothing happens after `life` ended.
+// `on_change` is called when the pane begins or stops to follow. Nothing happens after `life`
+// ended.
 std::unique_ptr<LogPane> log_pane_new(const char* accessible_name, const Life& life,
                                       std::function<void(bool follows_end)> on_change);
 

@@ -28,8 +28,8 @@ inline constexpr std::size_t k_max_log_lines = 5000;
 // unusable.
 inline constexpr std::size_t k_max_log_line_size = 4096;
 
-// Both insert lines (joined by line feeds, none at the end). Bytes that aren't UTF-8 show as U+FFFD.
-// What is selected stays selected. Appending drops the oldest lines beyond `max_lines`.
+// Both insert lines (joined by line feeds, none at the end). Bytes that aren't UTF-8 show as
+// U+FFFD. What is selected stays selected. Appending drops the oldest lines beyond `max_lines`.
 void text_pane_append(const TextPane& pane, std::string_view lines,
                       int max_lines = k_max_log_lines);
 void text_pane_prepend(const TextPane& pane, std::string_view lines);

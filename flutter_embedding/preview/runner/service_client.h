@@ -35,8 +35,8 @@ struct ServiceStatus {
 // `life` ended.
 struct ServiceClient;
 
-// `on_change` is called whenever the status has changed, also from inside the functions below. Takes a reference on
-// the messenger.
+// `on_change` is called whenever the status has changed, also from inside the functions below.
+// Takes a reference on the messenger.
 std::shared_ptr<ServiceClient> service_client_new(
     FlBinaryMessenger* messenger, const Life& life,
     std::function<void(const ServiceStatus&)> on_change);
