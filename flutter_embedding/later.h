@@ -9,12 +9,13 @@
 using Life = std::weak_ptr<void>;
 
 // Runs the task once from the main loop after about `milliseconds`, unless `life` has ended by
-// then. From 1000 on only whole seconds count, and the task may run up to a second late. Tasks with
+// then. A delay of 1000 or more is cut to whole seconds, and may be up to a second late. Tasks with
 // the same delay run in the order in which they were given. An exception is reported as a GLib
 // critical. Main thread only.
 void run_later(unsigned milliseconds, const Life& life, std::function<void()> task);
 
-// Like run_later, once nothing is left to lay out or to draw.
+// Like run_later, when the main loop has nothing more urgent. Text is laid out by then; animations
+// may still wait for the next frame.
 void run_when_idle(const Life& life, std::function<void()> task);
 
 #endif

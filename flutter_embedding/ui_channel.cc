@@ -75,8 +75,3 @@ void ui_listen(FlBinaryMessenger* messenger, const char* channel,
                      }
                    });
 }
-
-void ui_cancel(FlBinaryMessenger* messenger, const char* channel) {
-  messenger_set_receiver(messenger, channel, nullptr);
-  ui_invoke_method(messenger, channel, "cancel", nullptr, [](const UiReply&) {});
-}

@@ -33,7 +33,4 @@ void ui_invoke_method(FlBinaryMessenger* messenger, const char* channel, const c
 void ui_listen(FlBinaryMessenger* messenger, const char* channel,
                std::function<void(FlValue* event)> on_event);
 
-// Removes the receiver and calls "cancel".
-void ui_cancel(FlBinaryMessenger* messenger, const char* channel);
-
 #endif

@@ -84,11 +84,12 @@ void make_pages(Preview* preview, FlBinaryMessenger* messenger) {
                        "diagnostics", "诊断");
 }
 
-// What had the focus when its page was left may be hidden or insensitive now.
+// The widget that had the focus on this page may be hidden or insensitive now. Then the page's
+// first widget gets it.
 void keep_focus(const Preview& preview) {
   GtkWidget* window = gtk_widget_get_toplevel(preview.root);
   GtkWidget* focus = GTK_IS_WINDOW(window) ? gtk_window_get_focus(GTK_WINDOW(window)) : nullptr;
-  if (focus != nullptr && gtk_widget_get_mapped(focus) && gtk_widget_is_sensitive(focus)) return;
+  if (focus != nullptr && gtk_widget_is_visible(focus) && gtk_widget_is_sensitive(focus)) return;
   gtk_widget_child_focus(gtk_stack_get_visible_child(preview.pages), GTK_DIR_TAB_FORWARD);
 }
 

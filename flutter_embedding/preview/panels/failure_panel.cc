@@ -47,7 +47,7 @@ GtkWidget* log_new(FailurePanel* panel) {
   panel->log = gtk_box_new(GTK_ORIENTATION_VERTICAL, 6);
   panel->log_pane = text_pane_new("核心日志的最后几行");
   // The last lines tell why the core ended.
-  text_pane_follow_end(panel->log_pane, [] { return true; });
+  text_pane_follow_end(panel->log_pane);
   gtk_scrolled_window_set_min_content_height(GTK_SCROLLED_WINDOW(panel->log_pane.widget), 120);
   gtk_container_add(GTK_CONTAINER(panel->log), dim_label_new("核心日志末尾"));
   gtk_container_add(GTK_CONTAINER(panel->log), panel->log_pane.widget);

@@ -1,6 +1,7 @@
 #include "flutter_embedding/preview/panels/log_pane.h"
 
 #include <algorithm>
+#include <cstring>
 #include <utility>
 
 #include "flutter_embedding/guarded.h"
@@ -12,13 +13,21 @@ namespace {
 using State = LogPane::State;
 
 constexpr unsigned k_still_milliseconds = 300;  // GTK's animated scrolls take less
-constexpr size_t k_lines_at_end = 200;          // more than most windows show
+constexpr size_t k_lines_at_end = 300;          // more than the tallest screens show
 constexpr double k_at_start = G_MAXDOUBLE;      // a distance from the end
 
 std::string joined(const LogPane& pane, size_t first, size_t last) {
   std::string text;
   for (size_t i = first; i < last; ++i) text.append(i == first ? "" : "\n").append(pane.lines[i]);
   return text;
+}
+
+void check_position(LogPane* pane);
+
+// Waits for the layout: until then a pane that follows may not be at its end.
+void check_position_when_idle(LogPane* pane) {
+  if (std::exchange(pane->is_check_pending, true)) return;
+  run_when_idle(pane->life, [pane] { check_position(pane); });
 }
 
 size_t shown_line_count(const LogPane& pane) {
@@ -29,13 +38,20 @@ size_t shown_line_count(const LogPane& pane) {
 
 void append_last(LogPane* pane, size_t count, size_t max_shown) {
   const size_t end = pane->lines.size();
-  if (count == 0) return;
-  text_pane_append(pane->text, joined(*pane, end - count, end), static_cast<int>(max_shown));
+  const size_t shown = std::min({count, max_shown, end});
+  if (shown > 0) text_pane_append(pane->text, joined(*pane, end - shown, end), max_shown);
+}
+
+// GTK may leave the view anywhere after this. The check at the next idle time puts it right.
+void add_at_end(LogPane* pane, size_t count) {
+  append_last(pane, count, k_lines_at_end);
+  pane->is_text_new = true;
+  check_position_when_idle(pane);
 }
 
 void show_end(LogPane* pane) {
   gtk_text_buffer_set_text(pane->text.buffer, "", 0);
-  append_last(pane, std::min(pane->lines.size(), k_lines_at_end), k_lines_at_end);
+  add_at_end(pane, k_lines_at_end);
 }
 
 double distance_from_end(const LogPane& pane) {
@@ -54,18 +70,14 @@ void hold_position(const LogPane& pane) {
 // The view is held in its place until all lines have their heights.
 void show_earlier_lines(LogPane* pane, double from_end) {
   const size_t known = shown_line_count(*pane) + pane->later_lines;
+  if (pane->held_from_end || pane->lines.size() > known) pane->held_from_end = from_end;
   if (pane->lines.size() <= known) return;
-  pane->held_from_end = from_end;
   text_pane_prepend(pane->text, joined(*pane, 0, pane->lines.size() - known));
   run_when_idle(pane->life, [pane] {
     if (pane->state == State::follows) return;
     hold_position(*pane);
     pane->held_from_end.reset();
   });
-}
-
-void show_later_lines(LogPane* pane) {
-  append_last(pane, std::exchange(pane->later_lines, 0), k_max_log_lines);
 }
 
 void follow(LogPane* pane) {
@@ -80,6 +92,8 @@ void stop_following(LogPane* pane) {
   if (pane->state != State::follows) return;
   pane->state = State::stopped;
   pane->held_from_end.reset();
+  // A pane that isn't mapped takes no lines.
+  if (!gtk_widget_get_mapped(pane->text.widget)) show_end(pane);
   pane->on_change(false);
 }
 
@@ -88,11 +102,11 @@ bool is_button_held(GtkWidget* widget) {
   GdkModifierType held = {};
   gdk_window_get_device_position(gtk_widget_get_window(widget), gdk_seat_get_pointer(seat), nullptr,
                                  nullptr, &held);
-  return (held & GDK_BUTTON1_MASK) != 0;
+  return (held & (GDK_BUTTON1_MASK | GDK_BUTTON2_MASK)) != 0;
 }
 
-// Not during an animated scroll or while the scroll bar is dragged: both go to a position that is
-// another one once there are lines above.
+// Waits for the end of an animated scroll or a drag of the scroll bar: their target would be wrong
+// once there are lines above.
 void show_earlier_lines_when_still(LogPane* pane) {
   run_later(k_still_milliseconds, pane->life, [pane, moves = ++pane->moves] {
     if (moves != pane->moves || pane->state == State::follows) return;
@@ -101,14 +115,11 @@ void show_earlier_lines_when_still(LogPane* pane) {
   });
 }
 
-bool is_all_in_view(const LogPane& pane) {
-  GtkAdjustment* position = pane.text.position;
-  return pane.lines.size() <= k_lines_at_end &&
-         gtk_adjustment_get_upper(position) <= gtk_adjustment_get_page_size(position);
-}
-
 void check_position(LogPane* pane) {
   pane->is_check_pending = false;
+  if (std::exchange(pane->is_text_new, false) && pane->state == State::follows) {
+    return hold_position(*pane);
+  }
   if (distance_from_end(*pane) >= 1) {
     stop_following(pane);
     pane->state = State::scrolled_away;
@@ -119,33 +130,43 @@ void check_position(LogPane* pane) {
   }
 }
 
-// When idle, because the position also changes with the text, and a pane that follows is at the end
-// again only after the layout.
-void check_position_when_idle(LogPane* pane) {
-  if (std::exchange(pane->is_check_pending, true)) return;
-  run_when_idle(pane->life, [pane] { check_position(pane); });
-}
-
 void show_all_stopped(LogPane* pane, double from_end) {
   stop_following(pane);
   show_earlier_lines(pane, from_end);
 }
 
-// The keys for the text's ends mean those of the whole log.
+// Ctrl+Home and Ctrl+End go to the ends of the log, not only of what is shown.
 void on_movement_key(GtkTextView*, GtkMovementStep step, int count, gboolean, gpointer data) {
   auto* pane = static_cast<LogPane*>(data);
-  if (step != GTK_MOVEMENT_BUFFER_ENDS || is_all_in_view(*pane)) return;
-  run_guarded([pane, count] { count > 0 ? follow(pane) : show_all_stopped(pane, k_at_start); });
+  GtkAdjustment* position = pane->text.position;
+  if (step != GTK_MOVEMENT_BUFFER_ENDS) return;
+  if (count > 0) return run_guarded([pane] { follow(pane); });
+  // Where all is in view, there is nothing to scroll.
+  if (gtk_adjustment_get_upper(position) <= gtk_adjustment_get_page_size(position)) return;
+  run_guarded([pane] { show_all_stopped(pane, k_at_start); });
+}
+
+// Selecting all means the whole log.
+void take_selection(LogPane* pane) {
+  if (!gtk_text_buffer_get_has_selection(pane->text.buffer)) {
+    if (pane->state != State::follows) pane->state = State::scrolled_away;
+    return check_position_when_idle(pane);
+  }
+  if (pane->state != State::follows) return;
+  GtkTextIter start, end;
+  gtk_text_buffer_get_selection_bounds(pane->text.buffer, &start, &end);
+  const bool is_all = gtk_text_iter_is_start(&start) && gtk_text_iter_is_end(&end);
+  stop_following(pane);
+  if (!is_all) return;
+  show_earlier_lines(pane, 0);
+  gtk_text_buffer_get_bounds(pane->text.buffer, &start, &end);
+  gtk_text_buffer_select_range(pane->text.buffer, &start, &end);
 }
 
 void watch_user(LogPane* pane) {
   on_signal(pane->text.position, "changed", [pane] { hold_position(*pane); });
   on_signal(pane->text.position, "value-changed", [pane] { check_position_when_idle(pane); });
-  on_signal(pane->text.buffer, "notify::has-selection", [pane] {
-    if (gtk_text_buffer_get_has_selection(pane->text.buffer)) stop_following(pane);
-  });
-  on_signal(pane->text.view, "select-all",
-            [pane] { show_all_stopped(pane, distance_from_end(*pane)); });
+  on_signal(pane->text.buffer, "notify::has-selection", [pane] { take_selection(pane); });
   g_signal_connect(pane->text.view, "move-cursor", G_CALLBACK(on_movement_key), pane);
 }
 
@@ -153,31 +174,34 @@ size_t store(LogPane* pane, std::string_view batch) {
   size_t count = 0;
   for (size_t line_feed = 0; line_feed != batch.npos; ++count) {
     line_feed = batch.find('\n');
-    // A byte too much shows that the rest is missing.
-    pane->lines.emplace_back(batch.substr(0, std::min(line_feed, k_max_log_line_size + 1)));
+    pane->lines.push_back(shown_line(batch.substr(0, line_feed)));
     if (line_feed != batch.npos) batch.remove_prefix(line_feed + 1);
     if (pane->lines.size() > k_max_log_lines) pane->lines.pop_front();
   }
-  return std::min(count, pane->lines.size());
+  return count;
 }
 
-bool select_text(GtkTextBuffer* buffer, const char* text, bool behind_selection) {
-  GtkTextIter first, start, end;
-  gtk_text_buffer_get_start_iter(buffer, &first);
-  gtk_text_buffer_get_selection_bounds(buffer, &start, &end);
-  for (const GtkTextIter& from : {behind_selection ? end : start, first}) {
-    if (!gtk_text_iter_forward_search(&from, text, GTK_TEXT_SEARCH_CASE_INSENSITIVE, &start, &end,
-                                      nullptr)) {
-      continue;
+bool contains(const LogPane& pane, const char* text) {
+  g_autofree char* wanted = g_utf8_casefold(text, -1);
+  g_autofree char* all = g_utf8_casefold(joined(pane, 0, pane.lines.size()).c_str(), -1);
+  return strstr(all, wanted) != nullptr;
+}
+
+bool select_text(GtkTextBuffer* buffer, const char* text, int from_offset) {
+  for (const int offset : {from_offset, 0}) {
+    GtkTextIter from, start, end;
+    gtk_text_buffer_get_iter_at_offset(buffer, &from, offset);
+    if (gtk_text_iter_forward_search(&from, text, GTK_TEXT_SEARCH_CASE_INSENSITIVE, &start, &end,
+                                     nullptr)) {
+      gtk_text_buffer_select_range(buffer, &start, &end);
+      return true;
     }
-    gtk_text_buffer_select_range(buffer, &start, &end);
-    return true;
   }
   return false;
 }
 
 void scroll_to_selection(const LogPane& pane) {
-  // Long lines may need a bar at the bottom, which makes the view smaller.
+  // Long lines may need a horizontal scroll bar, which makes the view smaller.
   gtk_container_check_resize(GTK_CONTAINER(gtk_widget_get_toplevel(pane.text.widget)));
   gtk_text_view_scroll_to_mark(pane.text.view, gtk_text_buffer_get_insert(pane.text.buffer), 0.1,
                                FALSE, 0, 0);
@@ -204,7 +228,7 @@ void log_pane_append(LogPane* pane, std::string_view batch) {
   if (pane->state != State::follows) {
     pane->later_lines = std::min(pane->later_lines + count, pane->lines.size());
   } else if (gtk_widget_get_mapped(pane->text.widget)) {
-    append_last(pane, std::min(count, k_lines_at_end), k_lines_at_end);
+    add_at_end(pane, count);
   }
 }
 
@@ -225,13 +249,14 @@ std::string log_pane_selected_or_all(const LogPane& pane) {
 void log_pane_go_to_end(LogPane* pane) { follow(pane); }
 
 bool log_pane_find(LogPane* pane, const char* text, bool behind_selection) {
-  const bool followed = pane->state == State::follows;
+  if (!contains(*pane, text)) return false;
   show_all_stopped(pane, distance_from_end(*pane));
-  show_later_lines(pane);
-  if (!select_text(pane->text.buffer, text, behind_selection)) {
-    if (followed) follow(pane);
-    return false;
-  }
+  GtkTextIter start, end;
+  gtk_text_buffer_get_selection_bounds(pane->text.buffer, &start, &end);
+  // Taken before the append, with which a selection at the end would grow.
+  const int from_offset = gtk_text_iter_get_offset(behind_selection ? &end : &start);
+  append_last(pane, std::exchange(pane->later_lines, 0), k_max_log_lines);
+  if (!select_text(pane->text.buffer, text, from_offset)) return false;
   run_when_idle(pane->life, [pane] { scroll_to_selection(*pane); });
   return true;
 }

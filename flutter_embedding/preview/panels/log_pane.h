@@ -13,11 +13,11 @@
 
 namespace preview {
 
-// A log that grows. The pane follows its end, and shows only the last lines then: the layout of
-// lines is most of what a busy log costs. It stops when the user scrolls up, selects or finds
-// something. From then on its text stays as it is, with the earlier lines above, until the user
-// has scrolled down to its end. `text.widget` is floating; the pane must outlive it. Main thread
-// only.
+// A growing log. While it follows its end it shows only the last lines, because laying lines out is
+// most of what a busy log costs. It stops when the user scrolls up, selects or searches: lines that
+// come then wait, and the earlier ones appear above once the view is still. It follows again when
+// the user scrolls to the end and nothing is selected. `text.widget` is floating; the pane must
+// outlive it. Main thread only.
 struct LogPane {
   enum class State { follows, stopped, scrolled_away };
 
@@ -25,11 +25,12 @@ struct LogPane {
   Life life;
   std::function<void(bool follows_end)> on_change;
   std::deque<std::string> lines;  // all of the log, up to k_max_log_lines
-  size_t later_lines = 0;         // how many of them came after those that the stopped pane shows
+  size_t later_lines = 0;         // how many of them have come since the pane stopped
   State state = State::follows;
-  std::optional<double> held_from_end = 0;  // where the view stays while lines get their heights
+  std::optional<double> held_from_end = 0;  // kept while lines are laid out
+  bool is_text_new = false;                 // since the last check
   bool is_check_pending = false;
-  unsigned moves = 0;  // counts the checks that found the pane away from its end
+  unsigned moves = 0;  // a later move makes a waiting task do nothing
 };
 
 // `on_change` is called when the pane begins or stops to follow. Nothing happens after `life`

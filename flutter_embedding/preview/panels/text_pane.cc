@@ -1,6 +1,5 @@
 #include "flutter_embedding/preview/panels/text_pane.h"
 
-#include <algorithm>
 #include <string>
 #include <utility>
 
@@ -26,24 +25,21 @@ std::string_view cut_at_a_character(std::string_view line, std::size_t size) {
   return line.substr(0, size);
 }
 
-std::string with_cut_lines(std::string_view text) {
+void replace_all(std::string& text, std::string_view part, std::string_view replacement) {
+  for (std::size_t at = text.find(part); at != text.npos; at = text.find(part, at)) {
+    text.replace(at, part.size(), replacement);
+  }
+}
+
+std::string shown_lines(std::string_view text) {
   std::string result;
-  result.reserve(text.size());
   while (true) {
     const std::size_t line_feed = text.find('\n');
-    const std::string_view line = text.substr(0, line_feed);
-    if (line.size() > k_max_log_line_size) {
-      result.append(cut_at_a_character(line, k_max_log_line_size)).append("…");
-    } else {
-      result.append(line);
-    }
-    if (line_feed == std::string_view::npos) break;
+    result.append(shown_line(text.substr(0, line_feed)));
+    if (line_feed == text.npos) return result;
     result.push_back('\n');
     text.remove_prefix(line_feed + 1);
   }
-  // GTK would end a line there too.
-  std::replace(result.begin(), result.end(), '\r', ' ');
-  return result;
 }
 
 const char* level_tag_of(std::string_view line) {
@@ -67,16 +63,16 @@ void mark_levels(GtkTextBuffer* buffer, int first_line, int last_line) {
 }
 
 void insert_lines(GtkTextBuffer* buffer, GtkTextIter* place, const std::string& lines) {
-  g_autofree char* valid = g_utf8_make_valid(lines.data(), static_cast<gssize>(lines.size()));
   GtkTextTag* chinese =
       gtk_text_tag_table_lookup(gtk_text_buffer_get_tag_table(buffer), k_chinese_tag);
   const int first_line = gtk_text_iter_get_line(place);
-  gtk_text_buffer_insert_with_tags(buffer, place, valid, -1, chinese, nullptr);
+  gtk_text_buffer_insert_with_tags(buffer, place, lines.data(), static_cast<int>(lines.size()),
+                                   chinese, nullptr);
   mark_levels(buffer, first_line, gtk_text_iter_get_line(place));
 }
 
-void drop_oldest_lines(GtkTextBuffer* buffer, int max_lines) {
-  const int surplus = gtk_text_buffer_get_line_count(buffer) - max_lines;
+void drop_oldest_lines(GtkTextBuffer* buffer, std::size_t max_lines) {
+  const int surplus = gtk_text_buffer_get_line_count(buffer) - static_cast<int>(max_lines);
   if (surplus <= 0) return;
   GtkTextIter start;
   GtkTextIter first_kept;
@@ -85,18 +81,12 @@ void drop_oldest_lines(GtkTextBuffer* buffer, int max_lines) {
   gtk_text_buffer_delete(buffer, &start, &first_kept);
 }
 
-// Its appended lines have the Chinese forms of the characters that Chinese and Japanese share,
-// whatever the locale. A new reference.
-GtkTextBuffer* buffer_new() {
-  GtkTextBuffer* buffer = gtk_text_buffer_new(nullptr);
+GtkTextView* view_new(const char* accessible_name) {
+  g_autoptr(GtkTextBuffer) buffer = gtk_text_buffer_new(nullptr);
+  // The Chinese forms of the characters that Chinese and Japanese share, whatever the locale.
   gtk_text_buffer_create_tag(buffer, k_chinese_tag, "language", "zh-cn", nullptr);
   gtk_text_buffer_create_tag(buffer, k_warning_tag, "style", PANGO_STYLE_ITALIC, nullptr);
   gtk_text_buffer_create_tag(buffer, k_error_tag, "weight", PANGO_WEIGHT_BOLD, nullptr);
-  return buffer;
-}
-
-GtkTextView* view_new(const char* accessible_name) {
-  g_autoptr(GtkTextBuffer) buffer = buffer_new();
   GtkWidget* widget = gtk_text_view_new_with_buffer(buffer);
   GtkTextView* view = GTK_TEXT_VIEW(widget);
   gtk_text_view_set_editable(view, FALSE);
@@ -125,35 +115,35 @@ TextPane text_pane_new(const char* accessible_name) {
           gtk_scrolled_window_get_vadjustment(GTK_SCROLLED_WINDOW(scrolled))};
 }
 
-void text_pane_follow_end(const TextPane& pane, std::function<bool()> is_wanted) {
+void text_pane_follow_end(const TextPane& pane) {
   // The height grows as lines are laid out; each change is signalled.
-  on_signal(pane.position, "changed", [position = pane.position, is_wanted = std::move(is_wanted)] {
-    if (is_wanted()) gtk_adjustment_set_value(position, gtk_adjustment_get_upper(position));
+  on_signal(pane.position, "changed", [position = pane.position] {
+    gtk_adjustment_set_value(position, gtk_adjustment_get_upper(position));
   });
 }
 
-void text_pane_append(const TextPane& pane, std::string_view lines, int max_lines) {
-  GtkTextBuffer* buffer = pane.buffer;
-  GtkTextIter start, end;
-  const bool is_selected = gtk_text_buffer_get_selection_bounds(buffer, &start, &end);
-  const int selected_from = gtk_text_iter_get_offset(&start);
-  const int selected_to = gtk_text_iter_get_offset(&end);
-  gtk_text_buffer_get_end_iter(buffer, &end);
-  const bool is_empty = gtk_text_buffer_get_char_count(buffer) == 0;
-  insert_lines(buffer, &end, (is_empty ? "" : "\n") + with_cut_lines(lines));
-  if (is_selected) {
-    // A selection that ends at the end would have grown.
-    gtk_text_buffer_get_iter_at_offset(buffer, &start, selected_from);
-    gtk_text_buffer_get_iter_at_offset(buffer, &end, selected_to);
-    gtk_text_buffer_select_range(buffer, &start, &end);
+std::string shown_line(std::string_view line) {
+  std::string text(line);
+  if (line.size() > k_max_log_line_size) {
+    text.assign(cut_at_a_character(line, k_max_log_line_size)).append("…");
   }
-  drop_oldest_lines(buffer, max_lines);
+  for (const char* line_end : {"\r", "\u2029"}) replace_all(text, line_end, " ");
+  g_autofree char* valid = g_utf8_make_valid(text.data(), static_cast<gssize>(text.size()));
+  return valid;
+}
+
+void text_pane_append(const TextPane& pane, std::string_view lines, std::size_t max_lines) {
+  GtkTextIter end;
+  gtk_text_buffer_get_end_iter(pane.buffer, &end);
+  const bool is_empty = gtk_text_buffer_get_char_count(pane.buffer) == 0;
+  insert_lines(pane.buffer, &end, (is_empty ? "" : "\n") + shown_lines(lines));
+  drop_oldest_lines(pane.buffer, max_lines);
 }
 
 void text_pane_prepend(const TextPane& pane, std::string_view lines) {
   GtkTextIter start;
   gtk_text_buffer_get_start_iter(pane.buffer, &start);
-  insert_lines(pane.buffer, &start, with_cut_lines(lines) + "\n");
+  insert_lines(pane.buffer, &start, shown_lines(lines) + "\n");
 }
 
 }  // namespace preview

@@ -93,8 +93,8 @@ void fetch_start_failure(ServiceClient* client) {
   });
 }
 
-// A stop records an error only when its thread couldn't be started. Any other error is from an
-// earlier task; so is this one when an answer has reported the stop as running.
+// A stop records an error only when its thread can't start. If the stop was seen running, or the
+// code differs, the error is from an earlier task.
 void fetch_stop_failure(ServiceClient* client) {
   call(client, "getLastError", nullptr, [client](const UiReply& reply) {
     const Failure failure = failure_in(reply.value);
