@@ -42,9 +42,9 @@ static void refuse_critical(const gchar*, GLogLevelFlags level, const gchar*, gp
 static FlEngine* engine_with_handler() {
   g_log_set_default_handler(refuse_critical, nullptr);
   FlEngine* const engine = engine_new();
-  FlMethodCodec* const codec = FL_METHOD_CODEC(fl_standard_method_codec_new());
-  FlMethodChannel* const channel =
-      fl_method_channel_new(fl_engine_get_binary_messenger(engine), "", codec);
+  g_autoptr(FlStandardMethodCodec) codec = fl_standard_method_codec_new();
+  g_autoptr(FlMethodChannel) channel =
+      fl_method_channel_new(fl_engine_get_binary_messenger(engine), "", FL_METHOD_CODEC(codec));
   fl_method_channel_set_method_call_handler(channel, method_call_handler, nullptr, nullptr);
   return engine;
 }
