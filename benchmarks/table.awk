@@ -57,7 +57,8 @@ END {
       (figure("memory_host") - figure("memory_bare")) / 1024, " MiB", 3, \
       sprintf("%.1f MiB and %.1f MiB", figure("memory_host") / 1024, figure("memory_bare") / 1024))
   row("processor time of the idle host", "", figure("idle_percent"), " %", 0.1, \
-      "a minute of listening to a silent log")
+      sprintf("a minute of listening to a silent log; waking up as often for nothing takes a bare window %.2g %%", \
+              figure("idle_floor_percent")))
   row("from the start until the window is mapped", "a bare window with the same view", \
       ratio("window_host", "window_bare"), "x", 1.2, \
       sprintf("%.0f ms and %.0f ms; by processor time %.3gx", figure("window_host"), figure("window_bare"), \
