@@ -148,7 +148,7 @@ static bool start_core(FlValue* args) {
     set_proxy_for(start);
   }
   if (is_leaving()) {
-    if (ready || is_proxy_without_core()) clear_system_proxy();
+    clear_system_proxy();
     end_launched_core();
     return false;
   }
