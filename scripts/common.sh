@@ -121,14 +121,15 @@ hold_build() {
   flock 9
 }
 
-# configure_preset PRESET [argument]...: warnings are errors in CI, which sets CI. Nothing else may differ between the
-# scripts that share a build folder, or each would compile again what another one has built.
+# configure_preset PRESET [argument]...: warnings are errors in CI, which sets CI. Scripts that share a build folder have to
+# use the same compiler options, or each would compile again what another one has built.
 configure_preset() {
   local preset=$1 folder werror=OFF
   shift
   folder=$(preset_build_dir "$preset")
   if [[ ${CI-} == true ]]; then werror=ON; fi
-  quietly "$folder/configure.log" cmake -S "$root" --preset "$preset" -DCORVANA_WERROR=$werror "$@" ||
+  quietly "$folder/configure.log" cmake -S "$root" --preset "$preset" -DCORVANA_WERROR=$werror \
+    -DCORVANA_BENCHMARKS=OFF "$@" ||
     fail "configuring preset $preset failed, see above"
 }
 

@@ -309,8 +309,8 @@ TEST_F(Service, AStopWithoutCommandsOrThreadsFailsAndTheNextTakesTheProxyBack) {
   EXPECT_EQ(gnome_modes(), "manual;none;");
 }
 
-// At the first probe nothing is done yet; at the second the core has been launched, and the proxy of
-// an earlier core that ended by itself may still be set.
+// At the first probe nothing is done yet. At the second the core has been launched, and the proxy
+// of an earlier core that ended by itself may still be set.
 class CutOffStart : public Service, public testing::WithParamInterface<int> {};
 
 TEST_P(CutOffStart, TakesTheProxyBackOnceItHasLaunchedACore) {
