@@ -25,7 +25,7 @@ KDE, Xfce and their relatives at it. The proxy is taken back on a disconnect,
 when the program ends, and, after a crash, at the next login or start.
 .
 The core itself is not part of this package: put one into place with
-\"${CORVANA_INSTALLED_BUNDLE}/install.sh --core FILE\".")
+\"${CORVANA_INSTALLED_BUNDLE}/install.sh --core FILE --prefix ${CORVANA_INSTALLED_BUNDLE}\".")
 set(CPACK_STRIP_FILES ON)
 # The bundle has a folder of its own. Everything else goes to /usr, and the autostart entry to /etc.
 set(CPACK_PACKAGING_INSTALL_PREFIX /)

@@ -10,7 +10,9 @@ readonly script_dir record_name=.install-manifest core_file=bin/zant
 # Where each session starts the login program, and where systemd takes a session's environment from.
 readonly login_entry=/etc/xdg/autostart/corvana-proxy-reset.desktop
 readonly generator=/usr/lib/systemd/user-environment-generators/40-corvana
-readonly required_files=(Corvana lib/libflutter_linux_gtk.so logo.png)
+readonly login_files=linux/packaging/login
+readonly required_files=(Corvana corvana-proxy-reset lib/libflutter_linux_gtk.so logo.png
+  "$login_files"/{40-corvana,corvana-proxy-reset.desktop.in})
 
 action=install
 core=""
@@ -39,15 +41,16 @@ Usage:
   install.sh --uninstall [--prefix FOLDER] [--force]           uninstalls
 
   --core FILE      the core, which becomes bin/zant of the installation; not needed where one is installed already
-  --bundle FOLDER  the built program; this script's folder unless given, or build/bundle of the sources
+  --bundle FOLDER  the built program; unless given, this script's folder or, in the sources, build/bundle
   --prefix FOLDER  where to install; this script's folder if it is an installation, otherwise /opt/corvana
   --uninstall      deletes only what this script has installed; settings, logs and other personal files stay
   --force          uninstalls although the program is running
   --help           shows this text
 
 Where the program is in place already, for example from a package, only the core is added.
-Installing to /opt/corvana needs root (sudo); a folder of your own doesn't. Run by root, the script also has each login
-take back a system proxy that a power cut has left behind; linux/packaging/README.md says how to switch that off.
+Installing to /opt/corvana needs root (sudo); a folder of your own doesn't. When root runs it, the script also makes
+each login take back a system proxy that a power cut has left behind; linux/packaging/README.md says how to switch that
+off.
 TEXT
 }
 
@@ -182,7 +185,7 @@ refuse_foreign_files() {
   while read -r file; do
     [[ -e $prefix/$file ]] || continue
     fail "$prefix/$file 已存在，但不是本脚本安装的；请先移走它（软件包则先卸载），或用 --prefix 另选位置" \
-      "$prefix/$file exists, and not from this script; move it away (or remove its package), or choose --prefix"
+      "$prefix/$file exists, but not from this script; move it away (or remove its package), or use another --prefix"
   done < <(lines_beyond "$(recorded)" <<<"$1")
 }
 
@@ -252,9 +255,9 @@ install_login_program() {
   [[ $EUID == 0 && ! $bundle -ef $prefix && $prefix != *[\"\`\$\\%]* ]] || return 0
   if [[ -e $login_entry ]] && ! is_own_login_entry; then return 0; fi
   mkdir -p -- "$(dirname -- "$login_entry")" "$(dirname -- "$generator")"
-  entry=$(<"$bundle/linux/packaging/login/corvana-proxy-reset.desktop.in")
+  entry=$(<"$bundle/$login_files/corvana-proxy-reset.desktop.in")
   printf '%s\n' "${entry//@CORVANA_INSTALLED_BUNDLE@/"$prefix"}" >"$login_entry"
-  place "$bundle/linux/packaging/login/40-corvana" "$generator"
+  place "$bundle/$login_files/40-corvana" "$generator"
 }
 
 # Without corvana-proxy-reset in the record, only a core was added to a package's files, and the entry is the package's.
