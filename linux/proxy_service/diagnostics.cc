@@ -1,6 +1,5 @@
 #include "proxy_service/diagnostics.h"
 
-#include <cstdlib>
 #include <string>
 
 #include "core/core_paths.h"
@@ -12,11 +11,6 @@
 
 static constexpr size_t k_max_version_size = 255;
 
-static std::string session_type() {
-  const char* const type = std::getenv("XDG_SESSION_TYPE");
-  return type == nullptr ? "" : type;
-}
-
 static std::string core_version(const std::string& core_path) {
   const std::string command = "\"" + core_path + "\" version 2>/dev/null | head -1";
   const std::string version = first_output_line(command, k_max_version_size);
@@ -26,7 +20,7 @@ static std::string core_version(const std::string& core_path) {
 FlValue* collect_diagnostics() {
   FlValue* const report = fl_value_new_map();
   set_text(report, "desktop", detect_desktop_environment());
-  set_text(report, "sessionType", session_type());
+  set_text(report, "sessionType", environment_value("XDG_SESSION_TYPE"));
   set_bool(report, "hasLibproxy",
            shell_command_succeeds("ldconfig -p 2>/dev/null | grep -q 'libproxy\\.so\\.1'"));
   set_bool(report, "hasTunDevice", path_exists("/dev/net/tun"));

@@ -37,7 +37,7 @@ static std::string first_match(const DesktopToken (&tokens)[count], const std::s
   return "";
 }
 
-static std::string environment_value(const char* name) {
+std::string environment_value(const char* name) {
   const char* const value = std::getenv(name);
   return value == nullptr ? "" : value;
 }

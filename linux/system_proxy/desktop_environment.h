@@ -3,6 +3,9 @@
 
 #include <string>
 
+// The environment variable's value; "" when it is unset. Any thread.
+std::string environment_value(const char* name);
+
 // Names the desktop that the user runs: "gnome", "kde", "xfce", "mate", "lxde" or "other". Found
 // out afresh each time, from the session's environment or else from the processes that run; may
 // block for one shell. Any thread.
