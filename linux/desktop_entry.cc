@@ -37,7 +37,7 @@ static std::string with_escapes(const std::string& text, std::string_view escape
 }
 
 // `text` as a key file's string value: a backslash before each backslash, "\t" for a tab, "\r" for
-// a carriage return. An Exec line is quoted before that.
+// a carriage return. An Exec value is quoted first, then escaped.
 static std::string key_file_escaped(const std::string& text) {
   std::string escaped = with_escapes(text, "\\\t\r", '\\');
   std::replace(escaped.begin(), escaped.end(), '\t', 't');

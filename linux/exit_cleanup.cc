@@ -9,7 +9,7 @@
 #include "support/leaving.h"
 #include "system_proxy/system_proxy.h"
 
-// Main thread only.
+// Belongs to the thread of leave_cleanly().
 static bool g_worker_abandoned = false;
 
 bool is_worker_abandoned() { return g_worker_abandoned; }

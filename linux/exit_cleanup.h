@@ -6,9 +6,9 @@
 // Begins leaving and prints `line`. Main thread, except after the loss of an X11 display.
 void announce_leaving(const char* line);
 
-// Begins leaving and waits for the workers. Then, if a core runs or is_proxy_without_core(), clears
-// the system proxy, and kills the core. Blocks; running it again is safe. Main thread, except after
-// the loss of an X11 display.
+// Begins leaving and waits for the workers. Then clears the system proxy if a core runs or
+// is_proxy_without_core(), and kills the core if one runs. Blocks; running it again is safe. Main
+// thread, except after the loss of an X11 display.
 void leave_cleanly();
 
 // True when leave_cleanly() has stopped waiting for a worker that still runs: the process must then

@@ -10,9 +10,9 @@ inline constexpr char k_core_name[] = "zant";
 // thread.
 bool is_core_running();
 
-// Sends SIGKILL to every process whose command line holds the core's start command, which is
-// stricter than is_core_running(), and doesn't wait for their end. False when none was signalled or
-// pkill is missing. Blocks for one shell. Any thread.
+// Sends SIGKILL to every process whose command line holds the core's start command. There may be
+// fewer of them than is_core_running() sees. Doesn't wait for their end. False when none was
+// signalled or pkill is missing. Blocks for one shell. Any thread.
 bool terminate_core();
 
 #endif

@@ -14,8 +14,8 @@ void record_port_not_ready(int clash_port, const std::string& log_path);
 // For a start that is refused before a worker runs: the message also names the manual.
 void record_core_missing_before_start();
 
-// No thread could be made for a task, or its worker ended in an exception. Doesn't throw: where
-// memory has run out, the record stays as it is.
+// No thread could be made for a start or a stop, or a start ended in an exception. Doesn't throw:
+// where memory has run out, the record stays as it is.
 void record_thread_failed();
 
 #endif

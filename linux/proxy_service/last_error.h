@@ -3,7 +3,7 @@
 
 #include <string>
 
-// Why the last start failed, or why a task got no thread; three empty strings when there is nothing
+// Why the last start failed, or why a stop got no thread; three empty strings when there is nothing
 // to tell. All UTF-8 but for the log tail, which is bytes as the core wrote them.
 struct LastError {
   std::string code;      // a fixed word for programs

@@ -15,8 +15,8 @@ struct TaskState {
 // Both flags of one moment. Any thread.
 TaskState read_task_state();
 
-// Announces a task and runs `body`, which has to call run_task(), on a detached thread, once every
-// worker started before has ended. False when no thread can be made: then the task is published as
+// Announces a task. A detached thread waits until all earlier workers have ended, then runs `body`,
+// which has to call run_task(). False when no thread can be made: then the task is published as
 // failed. Main thread.
 bool start_worker(std::function<void()> body);
 
@@ -29,7 +29,8 @@ void run_task(const std::function<bool()>& task);
 void publish_task_result(bool result);
 
 // Waits until no worker runs. False when the wait has lasted k_worker_silence_limit, and no shell
-// command has begun or ended in the process for as long. Main thread, while the host is leaving.
+// command has begun or ended in the process for as long. Only while the host is leaving, on the
+// thread of leave_cleanly().
 bool wait_for_workers();
 
 #endif

@@ -9,7 +9,7 @@
 
 inline constexpr int k_exit_signals[] = {SIGTERM, SIGINT, SIGHUP};
 
-// The pause between two checks of a long wait, some of which also look for exit signals. A person
+// How long a wait sleeps between two checks. Some waits also look for exit signals then. A person
 // doesn't notice a tenth of a second.
 inline constexpr std::chrono::milliseconds k_check_interval{100};
 
@@ -25,7 +25,7 @@ inline constexpr std::chrono::milliseconds k_kill_limit{1000};
 // A pager or a stopped terminal may never read the console again.
 inline constexpr std::chrono::milliseconds k_console_limit{500};
 
-// Longer than a worker is held up by one command: k_command_limit and k_kill_limit.
+// Longer than one command can hold a worker up, which is k_command_limit and k_kill_limit.
 inline constexpr std::chrono::milliseconds k_worker_silence_limit{8000};
 
 // From here on is_leaving() is true, and every sleep_unless_leaving() ends at once.

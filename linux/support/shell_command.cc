@@ -47,7 +47,8 @@ static bool has_hung(steady_clock::time_point began) {
   return is_wait_over(began, g_command_has_hung ? k_command_limit_after_hang : k_command_limit);
 }
 
-// SIGPIPE would end a tool that prints a warning to such a console, before it has done its work.
+// A tool that prints a warning to a console that is gone would be ended by SIGPIPE, before it has
+// done its work.
 static bool is_console_gone(int descriptor) {
   pollfd console = {descriptor, POLLOUT, 0};
   return poll(&console, 1, 0) > 0 && (console.revents & (POLLERR | POLLHUP)) != 0;
@@ -61,8 +62,9 @@ static void set_output(posix_spawn_file_actions_t* actions, int output) {
   }
 }
 
-// Commands get SIGPIPE's default action back. SIGTSTP is blocked: before the child is in its own
-// process group a Ctrl-Z would stop it, and posix_spawn(), which waits for its exec, would block.
+// Commands get SIGPIPE's default action back. SIGTSTP is blocked, and stays so in them: before the
+// child is in its own process group a Ctrl-Z would stop it, and posix_spawn(), which waits for its
+// exec, would block.
 static void set_signals(posix_spawnattr_t* attributes) {
   sigset_t defaults, blocked;
   sigemptyset(&defaults);
@@ -158,7 +160,7 @@ static bool wait_until_readable(int descriptor, steady_clock::time_point began) 
   return true;
 }
 
-// Replaces `text` by what `command` prints, up to `max_size` bytes.
+// The wait status of `command`, or -1. Replaces `text` by what it prints, up to `max_size` bytes.
 static int read_output(const std::string& command, size_t max_size, std::string& text) {
   int ends[2];
   // Close-on-exec: a core that another thread launches meanwhile must not inherit the pipe.

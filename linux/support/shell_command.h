@@ -8,7 +8,7 @@
 // Each command is run by "/bin/sh -c" in a process group of its own, which a Ctrl-C in the terminal
 // doesn't reach, and blocks the calling thread until the shell has ended. While the host is
 // leaving, a command that takes longer than its limit is killed with all that it started.
-// Everything here may be called on any thread.
+// Any thread, except where another one is named.
 
 // Sets the signal actions that console lines and commands need. To be called first of all, on the
 // main thread.

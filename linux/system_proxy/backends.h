@@ -18,8 +18,8 @@ struct Backend {
   bool (*apply)(int http_port, int socks_port, bool enable);
 };
 
-// A desktop in no row has the GNOME backend as its last resort: programs of many desktops read
-// GNOME's settings.
+// The GNOME backend is the last resort of every desktop, also of one in no row: programs of many
+// desktops read GNOME's settings.
 inline constexpr Backend k_backends[] = {
     {"gnome", apply_proxy_gnome}, {"mate", apply_proxy_gnome}, {"cinnamon", apply_proxy_gnome},
     {"other", apply_proxy_gnome}, {"kde", apply_proxy_kde},    {"xfce", apply_proxy_xfce},
