@@ -45,7 +45,7 @@ static void open_window(MyApplication* self) {
 
   // A core that runs may be in use through the proxy; without one, a proxy that an earlier run left
   // behind leads nowhere.
-  if (!is_core_running()) clear_system_proxy();
+  if (!is_core_running()) run_guarded(clear_system_proxy);
   hook_exit_signals(G_APPLICATION(self));
   hook_display_loss();
   gtk_widget_grab_focus(GTK_WIDGET(view));

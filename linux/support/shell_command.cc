@@ -31,6 +31,9 @@ void prepare_signals() {
   std::signal(SIGCHLD, SIG_DFL);
 }
 
+// Many more than a held Ctrl-C causes. A tool that ends itself by such a signal does it each time.
+static constexpr int k_max_repetitions = 20;
+
 // Written by every thread that runs a command.
 static std::atomic<steady_clock::time_point> g_last_activity{steady_clock::now()};
 static std::atomic<bool> g_command_has_hung{false};
@@ -139,7 +142,7 @@ static bool was_interrupted(int status) {
 
 static int repeat_while_interrupted(const std::function<int()>& run) {
   int status = run();
-  while (was_interrupted(status)) status = run();
+  for (int i = 0; i < k_max_repetitions && was_interrupted(status); ++i) status = run();
   return status;
 }
 
