@@ -148,7 +148,7 @@ static bool start_core(FlValue* args) {
     set_proxy_for(start);
   }
   if (is_leaving()) {
-    clear_system_proxy();
+    if (ready || is_core_running() || is_proxy_without_core()) clear_system_proxy();
     end_launched_core();
     return false;
   }

@@ -31,7 +31,8 @@ void prepare_signals() {
   std::signal(SIGCHLD, SIG_DFL);
 }
 
-// Many more than a held Ctrl-C causes. A tool that ends itself by such a signal does it each time.
+// How often a command that an exit signal has ended is run again. A held Ctrl-C needs far fewer,
+// and a tool that ends itself by such a signal would be run for ever.
 static constexpr int k_max_repetitions = 20;
 
 // Written by every thread that runs a command.
