@@ -100,20 +100,20 @@ static void launch_core(const Start& start) {
   run_shell_command(command);
 }
 
-// False also when leaving begins meanwhile; then no failure is recorded.
+// True when the core is ready or leaving has begun. False when the core has failed; the failure is
+// on record then.
 static bool wait_until_ready(const Start& start) {
   const std::string log_path = runtime_log_in(start.runtime_dir);
-  if (!wait_for_core_process()) {
-    if (!is_leaving()) record_core_not_running(log_path);
+  const bool runs = wait_for_core_process();
+  if (runs && wait_for_core_port(start.clash_api_port)) return true;
+  if (is_leaving()) return true;
+  if (!runs) {
+    record_core_not_running(log_path);
     return false;
   }
-  if (!wait_for_core_port(start.clash_api_port)) {
-    if (is_leaving()) return false;
-    record_port_not_ready(start.clash_api_port, log_path);
-    terminate_core();
-    return false;
-  }
-  return !is_leaving();
+  record_port_not_ready(start.clash_api_port, log_path);
+  terminate_core();
+  return false;
 }
 
 static void set_proxy_for(const Start& start) {
@@ -121,15 +121,15 @@ static void set_proxy_for(const Start& start) {
   if (start.mixed_port >= 1) apply_system_proxy(start.mixed_port, start.mixed_port);
 }
 
-// One kill can miss the process while it changes from the shell to the core's program. So repeat
-// until the probe finds no core, for at most k_kill_limit.
+// A process has no command line for a moment while it changes from the shell to the core's program.
+// The kill misses it then, and so would a probe right after the kill. Ends when the probe finds no
+// core, or after about k_kill_limit.
 static void end_launched_core() {
   const auto began = std::chrono::steady_clock::now();
   do {
     terminate_core();
-    if (!is_core_running()) return;
     std::this_thread::sleep_for(k_check_interval);
-  } while (std::chrono::steady_clock::now() - began < k_kill_limit);
+  } while (is_core_running() && std::chrono::steady_clock::now() - began < k_kill_limit);
 }
 
 static bool start_core(FlValue* args) {
@@ -141,19 +141,20 @@ static bool start_core(FlValue* args) {
   if (is_leaving()) return false;
 
   launch_core(start);
-  const bool ready = wait_until_ready(start);
-  if (ready) {
+  if (!wait_until_ready(start)) return false;
+  if (!is_leaving()) {
     print_line("[Corvana] zant 启动成功，clash_api=" + std::to_string(start.clash_api_port) +
                " mixed=" + std::to_string(start.mixed_port));
     set_proxy_for(start);
   }
   if (is_leaving()) {
-    if (ready || is_core_running() || is_proxy_without_core()) clear_system_proxy();
+    // The probe isn't asked first, as it may miss the core. The core is killed even if this throws.
+    run_guarded(clear_system_proxy);
     end_launched_core();
     return false;
   }
-  if (ready) clear_last_error();
-  return ready;
+  clear_last_error();
+  return true;
 }
 
 void start_vpn_thread(FlValue* args) {
