@@ -1,15 +1,7 @@
 #include <gtest/gtest.h>
 
 #include "flutter_embedding/channels/messenger.h"
-#include "flutter_embedding/engine.h"
-#include "flutter_embedding/ui_channel.h"
-
-static std::string text_of(const UiReply& reply) {
-  if (reply.kind == UiReply::Kind::not_implemented) return "not implemented";
-  if (reply.kind == UiReply::Kind::error) return reply.error_code + ": " + reply.error_message;
-  g_autofree gchar* value = fl_value_to_string(reply.value);
-  return value;
-}
+#include "support/channel_client.h"
 
 // The code of the failure, or -1.
 static int respond(FlMethodCall* call, gpointer new_response) {
@@ -40,11 +32,10 @@ static void answer(FlMethodChannel*, FlMethodCall* call, gpointer) {
 }
 
 TEST(Channel, EveryKindOfAnswerArrivesLater) {
-  g_autoptr(FlEngine) engine = engine_new();
-  FlBinaryMessenger* const messenger = fl_engine_get_binary_messenger(engine);
+  const ChannelClient client;
   g_autoptr(FlStandardMethodCodec) codec = fl_standard_method_codec_new();
   g_autoptr(FlMethodChannel) channel =
-      fl_method_channel_new(messenger, "m", FL_METHOD_CODEC(codec));
+      fl_method_channel_new(client.messenger(), "m", FL_METHOD_CODEC(codec));
   fl_method_channel_set_method_call_handler(channel, answer, nullptr, nullptr);
   g_autoptr(FlValue) args = fl_value_new_list();
   g_autoptr(FlValue) too_deep = nested_lists();
@@ -55,7 +46,8 @@ TEST(Channel, EveryKindOfAnswerArrivesLater) {
       {"echo", too_deep, "codec: The value is nested deeper than 128 levels"}};
   for (const auto& [method, sent, expected] : rows) {
     std::string text = "none";
-    ui_invoke_method(messenger, "m", method, sent, [&text](auto& reply) { text = text_of(reply); });
+    ui_invoke_method(client.messenger(), "m", method, sent,
+                     [&text](const UiReply& reply) { text = text_of(reply); });
     EXPECT_EQ(text, "none");
     while (g_main_context_iteration(nullptr, FALSE)) continue;
     EXPECT_EQ(text, expected) << method;

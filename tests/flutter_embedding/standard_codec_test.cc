@@ -50,16 +50,9 @@ TEST(StandardCodec, BytesAndTheirValues) {
     rows.back().first.insert(rows.back().first.end(), sizes[i], 'x');
   }
   for (const auto& [bytes, text] : rows) EXPECT_EQ(read_and_write(bytes), std::pair(text, bytes));
-}
-
-// Equal keys can be written in different ways; the last value counts, in the first one's place.
-TEST(StandardCodec, AKeyThatComesAgainReplacesItsValue) {
-  const std::pair<Bytes, const char*> rows[] = {
-      {{13, 3, 3, 7, 0, 0, 0, 1, 0, 0, 4, 7, 0, 0, 0, 0, 0, 0, 0, 2}, "{7: false, null: null}"},
-      {{13, 2, 3, 1, 0, 0, 0, 1, 6, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0xf0, 0x3f, 2},
-       "{1: true, 1: false}"},
-  };
-  for (const auto& [bytes, text] : rows) EXPECT_EQ(read_and_write(bytes).first, text);
+  // A key that comes again, here in eight bytes, gives its value to the first one's place.
+  const Bytes twice = {13, 3, 3, 7, 0, 0, 0, 1, 0, 0, 4, 7, 0, 0, 0, 0, 0, 0, 0, 2};
+  EXPECT_EQ(read_and_write(twice).first, "{7: false, null: null}");
 }
 
 TEST(StandardCodec, WhatIsMalformedIsNeitherReadNorWritten) {

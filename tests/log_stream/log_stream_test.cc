@@ -6,7 +6,7 @@
 #include <fstream>
 
 #include "core/core_paths.h"
-#include "flutter_embedding/ui_channel.h"
+#include "log_stream/log_text.h"
 #include "support/channel_client.h"
 #include "support/temporary_home.h"
 
@@ -39,12 +39,13 @@ class LogStream : public testing::Test {
 using Events = std::vector<std::string>;
 
 TEST_F(LogStream, FollowsTheLogFromItsBeginning) {
-  append("1\n2\r\n\n\r\n3");
+  append("1\n2\r\r\n\n\r\n\r3");
   listen();
-  EXPECT_EQ(next_events(2), Events({"__clear__", "1\n2"}));
+  EXPECT_EQ(next_events(2), Events({"__clear__", "1\n2\r"}));
+  append("3\r");
   EXPECT_EQ(next_events(1, 600ms), Events()) << "the third line has no end yet";
-  append("3\n\xE4\xB8\n");
-  EXPECT_EQ(next_events(1), Events({"33\n\uFFFD\uFFFD"}));
+  append("\n\xE4\xB8\n");
+  EXPECT_EQ(next_events(1), Events({"\r33\n\uFFFD\uFFFD"}));
   append("\xC1\xAA\n");
   EXPECT_EQ(next_events(1), Events({"\xC1\xAA"})) << "an overlong form";
 }
@@ -88,4 +89,17 @@ TEST_F(LogStream, ListeningTwiceAndCancellingStartOver) {
   run_main_loop_until([] { return false; }, 50ms);
   append("2\n");
   EXPECT_EQ(next_events(1, 600ms), Events());
+}
+
+TEST(Utf8Repair, JudgesBitPatterns) {
+  const std::pair<std::string, const char*> rows[] = {
+      {"plain ascii, longer than a word", "plain ascii, longer than a word"},
+      {"日志 ß 😀", "日志 ß 😀"},
+      {"1234567\xE4\xB8", "1234567\uFFFD\uFFFD"},
+      {"\xC2\xC2\xA9", "\uFFFD\xC2\xA9"},
+      {std::string("a\0bcdefgh", 9), "a\uFFFDbcdefgh"},
+      // Overlong forms, surrogates and values past the last code point have the right shape.
+      {"\xC0\x80 \xED\xA0\x80 \xF7\xBF\xBF\xBF", "\xC0\x80 \xED\xA0\x80 \xF7\xBF\xBF\xBF"},
+  };
+  for (const auto& [text, repaired] : rows) EXPECT_EQ(repair_utf8(text), repaired) << text;
 }

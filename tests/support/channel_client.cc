@@ -3,7 +3,6 @@
 #include <optional>
 
 #include "flutter_embedding/engine.h"
-#include "flutter_embedding/ui_channel.h"
 #include "proxy_service/method_channel.h"
 
 static const char k_channel[] = "com.corvana.channel/proxy_service";
@@ -20,9 +19,9 @@ ChannelClient::~ChannelClient() {
   g_object_unref(engine_);
 }
 
-static std::string text_of(const UiReply& reply) {
+std::string text_of(const UiReply& reply) {
   if (reply.kind == UiReply::Kind::not_implemented) return "not implemented";
-  if (reply.kind == UiReply::Kind::error) return "error";
+  if (reply.kind == UiReply::Kind::error) return reply.error_code + ": " + reply.error_message;
   g_autofree gchar* text = fl_value_to_string(reply.value);
   return text;
 }

@@ -1,8 +1,16 @@
 #include "system_proxy/system_proxy.h"
 
 #include <gtest/gtest.h>
+#include <sys/stat.h>
+
+#include <filesystem>
 
 #include "support/temporary_home.h"
+
+namespace fs = std::filesystem;
+
+static const char k_dropin[] = ".config/environment.d/99-corvana.conf";
+static const char k_script[] = ".config/corvana/proxy.sh";
 
 namespace {
 
@@ -89,9 +97,16 @@ TEST(SystemProxy, RunsTheToolsOfTheDesktopInOrderAndReports) {
                "[Corvana] 桌面 backend 不可用，仅清理 env 文件 (DE=" +
                desktop.name + ")\n";
     }
+    umask(0077);
     testing::internal::CaptureStdout();
     apply_system_proxy(7890, 1080);
+    // What shells and sessions make of both files is tried with the real tools, with one port.
+    EXPECT_EQ(lines_of(read_file(k_dropin)).at(3), "all_proxy=socks5://127.0.0.1:1080");
+    EXPECT_EQ(lines_of(read_file(k_script)).at(3), "export http_proxy=\"http://127.0.0.1:7890\"");
+    EXPECT_EQ(lines_of(read_file(k_script)).at(7), "export all_proxy=\"socks5://127.0.0.1:1080\"");
+    EXPECT_EQ(fs::status(k_script).permissions(), fs::perms(0644));
     clear_system_proxy();
+    EXPECT_FALSE(fs::exists(k_dropin));
     EXPECT_EQ(testing::internal::GetCapturedStdout(), report);
     EXPECT_EQ(abbreviated_commands(home), desktop.apply + desktop.clear) << desktop.name;
   }
