@@ -1,16 +1,10 @@
 #include "display_loss.h"
 
-#include <gdk/gdk.h>
+#include <gdk/gdkwayland.h>
+#include <gdk/gdkx.h>
 #include <glib-unix.h>
 #include <unistd.h>
-
-#ifdef GDK_WINDOWING_X11
-#include <gdk/gdkx.h>
-#endif
-#ifdef GDK_WINDOWING_WAYLAND
-#include <gdk/gdkwayland.h>
 #include <wayland-client-core.h>
-#endif
 
 #include "exit_cleanup.h"
 
@@ -22,27 +16,19 @@
   _exit(1);
 }
 
-#ifdef GDK_WINDOWING_X11
 static int on_x11_connection_lost(Display*) { leave_without_display(); }
-#endif
 
-#ifdef GDK_WINDOWING_WAYLAND
 static gboolean on_wayland_connection_lost(gint, GIOCondition, gpointer) {
   leave_without_display();
 }
-#endif
 
 void hook_display_loss() {
-  [[maybe_unused]] GdkDisplay* const display = gdk_display_get_default();
-#ifdef GDK_WINDOWING_X11
+  GdkDisplay* const display = gdk_display_get_default();
   if (GDK_IS_X11_DISPLAY(display)) XSetIOErrorHandler(on_x11_connection_lost);
-#endif
-#ifdef GDK_WINDOWING_WAYLAND
   // Wayland has no hook for this; watch its socket before GDK does.
   if (GDK_IS_WAYLAND_DISPLAY(display)) {
     const int connection = wl_display_get_fd(gdk_wayland_display_get_wl_display(display));
     g_unix_fd_add_full(G_PRIORITY_HIGH, connection, GIOCondition(G_IO_HUP | G_IO_ERR),
                        on_wayland_connection_lost, nullptr, nullptr);
   }
-#endif
 }

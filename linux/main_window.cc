@@ -1,8 +1,6 @@
 #include "main_window.h"
 
-#ifdef GDK_WINDOWING_X11
 #include <gdk/gdkx.h>
-#endif
 
 #include <string>
 
@@ -33,14 +31,10 @@ void set_window_icon(GtkWindow* window) {
 }
 
 // Window managers other than GNOME's draw a title bar of their own, so that two would show.
-static bool wants_header_bar([[maybe_unused]] GtkWindow* window) {
-#ifdef GDK_WINDOWING_X11
+static bool wants_header_bar(GtkWindow* window) {
   GdkScreen* const screen = gtk_window_get_screen(window);
-  if (GDK_IS_X11_SCREEN(screen)) {
-    return g_strcmp0(gdk_x11_screen_get_window_manager_name(screen), "GNOME Shell") == 0;
-  }
-#endif
-  return true;
+  if (!GDK_IS_X11_SCREEN(screen)) return true;
+  return g_strcmp0(gdk_x11_screen_get_window_manager_name(screen), "GNOME Shell") == 0;
 }
 
 void set_window_title(GtkWindow* window) {
